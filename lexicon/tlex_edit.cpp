@@ -1,0 +1,120 @@
+/*
+ * tlex_edit.cpp -- changes to a text lexicon: add, delete, clear.
+ *
+ * A file-backed lexicon makes each change under the file's lock, on the
+ * latest table (synchronised first), and rewrites the whole file before
+ * the call returns.  When the rewrite fails, the change is taken back in
+ * memory so that table and file agree again.
+ */
+#include "engine/debug_log.h"
+#include "engine/string_helpers.h"
+#include "lexicon/lexicon.h"
+#include "lexicon/tlex_file.h"
+#include "orto.h"
+
+static bool hasFile(const TLex *tlex) { return tlex->fileName[0] != 0; }
+
+/* Lock and bring the table in step with the file.  Returns the lock number
+ * or a negative code (the lock then already given up). */
+static i16 lockAndSync(TLex *tlex, const char *lockMessage)
+{
+    i16 lock = lockFile(tlex->fileName);
+    if (lock < 0) {
+        DebugLog(lockMessage, tlex->fileName);
+        return ORTO_WriteError;
+    }
+    i16 rc = syncLexFile(tlex);
+    if (rc < 0) {
+        unlockFile(lock);
+        return rc;
+    }
+    return lock;
+}
+
+i16 TLex_Add(TLex *tlex, const char *word, char action, const char *otherWord)
+{
+    /* Adding a word that exists replaces its action and other word; its
+     * case is part of its identity. */
+    if (TLex_Find(tlex, word, 1, nullptr, 0) > 0)
+        TLex_Remove(tlex, word);
+    i16 lock = 0;
+    if (hasFile(tlex)) {
+        lock = lockAndSync(tlex, "TLex_Add: can't lock %s");
+        if (lock < 0)
+            return lock;
+        /* The reload may have brought the old entry back: take it out
+         * again, so that a word never stands twice in the table. */
+        if (TLex_Find(tlex, word, 1, nullptr, 0) > 0)
+            TLex_Remove(tlex, word);
+    }
+    i16 rc = TLex_Insert(tlex, word, action, otherWord);
+    if (rc < 0) {
+        if (hasFile(tlex))
+            unlockFile(lock);
+        return rc;
+    }
+    if (!hasFile(tlex))
+        return 0;
+    rc = TLex_WriteFile(tlex);
+    if (rc < 0) {
+        TLex_Remove(tlex, word);
+        unlockFile(lock);
+        return rc;
+    }
+    unlockFile(lock);
+    TLex_StampFile(tlex);
+    return 0;
+}
+
+i16 TLex_Del(TLex *tlex, const char *word)
+{
+    i16 lock = 0;
+    if (hasFile(tlex)) {
+        lock = lockAndSync(tlex, "can't lock %s");
+        if (lock < 0)
+            return lock;
+    }
+    if (tlex->count == 0) {
+        if (hasFile(tlex))
+            unlockFile(lock);
+        return ORTO_NotFound;
+    }
+    char info[1 + MaxOtherWord + 1];
+    i16 action = TLex_Find(tlex, word, 1, info + 1, sizeof info - 1);
+    i16 rc = TLex_Remove(tlex, word);
+    if (rc < 0) {
+        if (hasFile(tlex))
+            unlockFile(lock);
+        return rc;
+    }
+    if (!hasFile(tlex))
+        return 0;
+    rc = TLex_WriteFile(tlex);
+    if (rc < 0) {
+        TLex_Insert(tlex, word, (char)action, info + 1);
+        unlockFile(lock);
+        return rc;
+    }
+    unlockFile(lock);
+    TLex_StampFile(tlex);
+    return 0;
+}
+
+i16 TLex_Clear(TLex *tlex)
+{
+    TLexTable_FreeEntries(tlex);
+    if (!hasFile(tlex))
+        return 0;
+    /* No synchronisation first: what another client added goes too. */
+    i16 lock = lockFile(tlex->fileName);
+    if (lock < 0) {
+        DebugLog("TLex_Clear: can't lock %s", tlex->fileName);
+        return ORTO_WriteError;
+    }
+    i16 rc = TLex_WriteFile(tlex);
+    unlockFile(lock);
+    if (rc < 0)
+        return rc;
+    TLex_StampFile(tlex);
+    return 0;
+}

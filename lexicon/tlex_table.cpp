@@ -1,0 +1,188 @@
+/*
+ * tlex_table.cpp -- the sorted table of a text lexicon in memory.
+ *
+ * Entries stand in StrCompare order (unsigned bytes), so an exact lookup is
+ * a binary search; a case-blind one walks the table from the front and so
+ * meets a capitalised spelling before a small one.  Insertion is a linear
+ * scan and a block move, which places a new entry in front of an equal one.
+ * Counters are 32 bits wide so that no walk can wrap at 65,536 entries.
+ */
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+
+#include "engine/debug_log.h"
+#include "engine/string_helpers.h"
+#include "lexicon/lexicon.h"
+#include "lexicon/tlex_file.h"
+#include "orto.h"
+
+enum { TableInitialRequest = 16, TableStep = 32 };
+
+bool TLexTable_Reserve(TLexTable *table, u32 n)
+{
+    if (table->capacity >= n)
+        return true;
+    u32 want = n + table->step;
+    TLexEntry *grown = (TLexEntry *)malloc((size_t)want * sizeof(TLexEntry));
+    if (!grown)
+        return false;
+    if (table->base)
+        memcpy(grown, table->base, (size_t)table->capacity * sizeof(TLexEntry));
+    free(table->base);
+    table->base = grown;
+    table->capacity = want;
+    return true;
+}
+
+/* Binary search under StrCompare; the index of the entry or -1. */
+static int64_t findExact(const TLex *tlex, const char *word)
+{
+    int64_t lo = 0, hi = (int64_t)tlex->count - 1;
+    while (lo <= hi) {
+        int64_t mid = lo + (hi - lo) / 2;
+        i16 c = StrCompare(tlex->table.base[mid].word, word);
+        if (c == 0)
+            return mid;
+        if (c < 0)
+            lo = mid + 1;
+        else
+            hi = mid - 1;
+    }
+    return -1;
+}
+
+i16 TLex_Find(TLex *tlex, const char *word, int caseSensitive, char *otherWord, i16 otherWordSize)
+{
+    if (tlex->count == 0)
+        return ORTO_NotFound;
+    const TLexEntry *hit = nullptr;
+    if (caseSensitive) {
+        int64_t i = findExact(tlex, word);
+        if (i >= 0)
+            hit = &tlex->table.base[i];
+    } else {
+        for (u32 i = 0; i < tlex->count; i++)
+            if (StrCompareNoCase(tlex->table.base[i].word, word) == 0) {
+                hit = &tlex->table.base[i];
+                break;
+            }
+    }
+    if (!hit)
+        return ORTO_NotFound;
+    if (otherWord && otherWordSize > 0)
+        StrCopy(otherWord, (u16)otherWordSize, hit->info + 1);
+    return (unsigned char)hit->info[0];
+}
+
+i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord)
+{
+    if (!TLexTable_Reserve(&tlex->table, tlex->count + 1)) {
+        DebugLog("out of memory");
+        return ORTO_OutOfMemory;
+    }
+    /* info: the action byte and the other word cut to 63 characters */
+    char info[1 + MaxOtherWord + 1];
+    info[0] = action;
+    StrCopy(info + 1, MaxOtherWord + 1, otherWord ? otherWord : "");
+    char *wordCopy = StrDup(word);
+    char *infoCopy = wordCopy ? StrDup(info) : nullptr;
+    if (!infoCopy) {
+        /* the table is left exactly as it was */
+        free(wordCopy);
+        DebugLog("out of memory");
+        return ORTO_OutOfMemory;
+    }
+    u32 at = 0;
+    while (at < tlex->count && StrCompare(tlex->table.base[at].word, word) < 0)
+        at++;
+    memmove(&tlex->table.base[at + 1], &tlex->table.base[at],
+            (size_t)(tlex->count - at) * sizeof(TLexEntry));
+    tlex->table.base[at].word = wordCopy;
+    tlex->table.base[at].info = infoCopy;
+    tlex->count++;
+    return 0;
+}
+
+i16 TLex_Remove(TLex *tlex, const char *word)
+{
+    int64_t i = findExact(tlex, word);
+    if (i < 0) {
+        DebugLog("%s not found", word);
+        return ORTO_NotFound;
+    }
+    free(tlex->table.base[i].word);
+    free(tlex->table.base[i].info);
+    memmove(&tlex->table.base[i], &tlex->table.base[i + 1],
+            (size_t)(tlex->count - (u32)i - 1) * sizeof(TLexEntry));
+    tlex->count--;
+    return 0;
+}
+
+void TLexTable_FreeEntries(TLex *tlex)
+{
+    for (u32 i = 0; i < tlex->count; i++) {
+        free(tlex->table.base[i].word);
+        free(tlex->table.base[i].info);
+    }
+    tlex->count = 0;
+}
+
+i16 TLex_Create(const char *fileName, u16 language, TLex *tlex)
+{
+    tlex->language = language;
+    tlex->count = 0;
+    tlex->plainList = 0;
+    tlex->fileTime = (i32)time(nullptr);
+    tlex->fileTimeNs = 0;
+    StrCopy(tlex->fileName, PathSize, fileName ? fileName : "");
+    tlex->table.base = nullptr;
+    tlex->table.capacity = 0;
+    tlex->table.step = TableStep;
+    if (!TLexTable_Reserve(&tlex->table, TableInitialRequest))
+        return ORTO_OutOfMemory;
+    if (!tlex->fileName[0])
+        return 0;
+    return TLex_CreateFile(tlex);
+}
+
+void TLex_Close(TLex *tlex)
+{
+    TLexTable_FreeEntries(tlex);
+    free(tlex->table.base);
+    tlex->table.base = nullptr;
+    tlex->table.capacity = 0;
+}
+
+i32 TLex_GetAll(TLex *tlex, char *buffer, u32 bufferSize)
+{
+    u32 used = 0;
+    for (u32 i = 0; i < tlex->count; i++) {
+        const TLexEntry *e = &tlex->table.base[i];
+        size_t wl = strlen(e->word), il = strlen(e->info);
+        /* this entry, its NUL and the closing NUL must still fit */
+        if ((uint64_t)used + wl + 1 + il + 1 + 1 > bufferSize) {
+            DebugLog("buffer too small");
+            return ORTO_BufferTooSmall;
+        }
+        memcpy(buffer + used, e->word, wl);
+        used += (u32)wl;
+        buffer[used++] = '\t';
+        memcpy(buffer + used, e->info, il + 1);
+        used += (u32)il + 1;
+    }
+    if (used + 1 > bufferSize) {
+        DebugLog("buffer too small");
+        return ORTO_BufferTooSmall;
+    }
+    buffer[used] = 0;
+    return (i32)tlex->count;
+}
+
+void TLex_GetSize(TLex *tlex, u32 *size)
+{
+    uint64_t total = 1;
+    for (u32 i = 0; i < tlex->count; i++)
+        total += strlen(tlex->table.base[i].word) + 1 + strlen(tlex->table.base[i].info) + 1;
+    *size = total > 0xFFFFFFFFu ? 0xFFFFFFFFu : (u32)total;
+}

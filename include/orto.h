@@ -230,6 +230,12 @@ ORTO_API int16_t ORTO_CloseBlock(int16_t sid, int16_t block);
 
 /* @@BLOCK_CALLS@@ */
 
+/* @@LEXFILE_CALLS@@ */
+
+/* @@CLEX_CALLS@@ */
+
+/* @@SUGGEST_CALLS@@ */
+
 #ifdef __cplusplus
 }
 #endif

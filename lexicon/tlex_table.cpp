@@ -3,8 +3,8 @@
  *
  * Entries stand in StrCompare order (unsigned bytes), so an exact lookup is
  * a binary search; a case-blind one walks the table from the front and so
- * meets a capitalised spelling before a small one.  Insertion is a linear
- * scan and a block move, which places a new entry in front of an equal one.
+ * meets a capitalised spelling before a small one.  Insertion finds its
+ * place and moves the tail up by one entry.
  * Counters are 32 bits wide so that no walk can wrap at 65,536 entries.
  */
 #include <stdlib.h>
@@ -93,9 +93,17 @@ i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord
         DebugLog("out of memory");
         return ORTO_OutOfMemory;
     }
-    u32 at = 0;
-    while (at < tlex->count && StrCompare(tlex->table.base[at].word, word) < 0)
-        at++;
+    /* The first entry not less than the word, so a new entry goes in front
+     * of an equal one.  Halving finds the same place a walk from the front
+     * would, without making a file of n words cost n squared compares. */
+    u32 at = 0, end = tlex->count;
+    while (at < end) {
+        u32 mid = at + (end - at) / 2;
+        if (StrCompare(tlex->table.base[mid].word, word) < 0)
+            at = mid + 1;
+        else
+            end = mid;
+    }
     memmove(&tlex->table.base[at + 1], &tlex->table.base[at],
             (size_t)(tlex->count - at) * sizeof(TLexEntry));
     tlex->table.base[at].word = wordCopy;

@@ -24,12 +24,11 @@ bool TLexTable_Reserve(TLexTable *table, u32 n)
     if (table->capacity >= n)
         return true;
     u32 want = n + table->step;
-    TLexEntry *grown = (TLexEntry *)malloc((size_t)want * sizeof(TLexEntry));
+    /* realloc keeps the contents and lets large tables move by remapping
+     * pages, so growing in small steps doesn't copy the table each time */
+    TLexEntry *grown = (TLexEntry *)realloc(table->base, (size_t)want * sizeof(TLexEntry));
     if (!grown)
         return false;
-    if (table->base)
-        memcpy(grown, table->base, (size_t)table->capacity * sizeof(TLexEntry));
-    free(table->base);
     table->base = grown;
     table->capacity = want;
     return true;

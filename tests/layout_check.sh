@@ -29,5 +29,5 @@ while IFS= read -r line; do
 done < <(grep -rn --include='*.cpp' --include='*.h' -E '^#include "(tools|tests)/' \
          engine lexicon suggest host dialogs platform 2>/dev/null)
 
-[ $fail -eq 0 ] && echo "layout: 1 passed, 0 failed"
+[ $fail -eq 0 ] && echo "layout: the dependency rule holds"
 exit $fail

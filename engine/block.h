@@ -1,5 +1,9 @@
 /*
  * block.h -- a text with a cursor, owned by a session, walked word by word.
+ *
+ * The text is counted by `length`, never by a terminator, so it may hold
+ * any byte.  Every word the block code reads for itself goes into a local
+ * 64-byte buffer; nothing here allocates after the open.
  */
 #ifndef ORTO_ENGINE_BLOCK_H
 #define ORTO_ENGINE_BLOCK_H
@@ -7,18 +11,38 @@
 #include "engine/types.h"
 
 struct Block {
-    char *text;        /* the text; no terminator as far as the block goes */
-    u32 length;        /* characters of text in use */
-    u32 size;          /* capacity of the buffer; length never exceeds it */
-    u32 cursor;        /* position of the current word */
-    u16 atFirstWord;   /* 1 until BlockNextWord has succeeded once */
-    u32 previousWord;  /* position of the word before, or `size` for none */
-    u16 ownsText;      /* 1 if the block allocated `text` */
+    char *text;         /* the text; no terminator as far as the block goes */
+    u32 length;         /* characters of text in use */
+    u32 size;           /* capacity of the buffer; length never exceeds it */
+    u32 cursor;         /* position of the current word */
+    u16 atFirstWord;    /* 1 until BlockNextWord has succeeded once */
+    u32 previousWord;   /* position of the word before, or `size` for none */
+    u16 ownsText;       /* 1 if the block allocated `text` */
     const u32 *options; /* the owning session's option mask */
 };
 
+/* Opening and closing (block_open.cpp). */
 i16 BlockOpen(char *text, u32 textLength, u32 blockSize, u16 copyText, const u32 *options,
               Block *block);
 void BlockClose(Block *block);
+
+/* The scanner (block_scan.cpp).  BlockGetWord copies the word at or after
+ * the cursor into `word` (`wordSize` at least 1) without moving the cursor
+ * and returns the byte behind it (0 at the end of the text), or
+ * ORTO_NotFound. */
+i16 BlockGetWord(Block *block, char *word, u16 wordSize);
+i16 BlockNextWord(Block *block);
+i16 BlockSetCursor(Block *block, u32 cursor);
+i16 BlockGetInfo(Block *block, u32 *textLength, u32 *blockSize, u32 *cursor, u32 *wordCount);
+u16 BlockAtFirstWord(const Block *block);
+/* 1 if the word at the cursor repeats the word at `previousWord`. */
+i16 BlockIsDoubled(Block *block, int caseSensitive);
+
+/* Editing at the cursor (block_edit.cpp). */
+i32 BlockGetText(Block *block, char *buffer, u32 bufferSize);
+i16 BlockDelText(Block *block, u32 count);
+i16 BlockInsertText(Block *block, const char *newText);
+i16 BlockReplaceWord(Block *block, const char *newWord);
+i32 BlockDelWord(Block *block, char *deletedText, i16 deletedSize);
 
 #endif

@@ -2,8 +2,11 @@
  * block_open.cpp -- opening and closing blocks.
  *
  * A block opened with a copy owns that copy; one opened without edits the
- * host's buffer in place, which the host keeps alive until the close.
+ * host's buffer in place, which the host keeps alive until the close.  The
+ * copy is zero-filled past the text, so the byte that an insertion carries
+ * along behind the text is always a defined one.
  */
+#include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -16,13 +19,21 @@
 i16 BlockOpen(char *text, u32 textLength, u32 blockSize, u16 copyText, const u32 *options,
               Block *block)
 {
-    if (blockSize < textLength) {
+    /* A null text can only stand for an empty one that nothing is written
+     * into; it has no room, whatever `blockSize` claims. */
+    bool nullText = !text && (textLength || (!copyText && blockSize));
+    if (blockSize < textLength || nullText) {
         DebugLog("BlockOpen: buffer too small");
+        return ORTO_BufferTooSmall;
+    }
+    /* Lengths and positions come back as i32, so a block stays below 2 GiB. */
+    if (blockSize > (u32)INT32_MAX) {
+        DebugLog("BlockOpen: buffer too large");
         return ORTO_BufferTooSmall;
     }
     if (copyText) {
         /* at least one byte, so that an empty block has a buffer of its own */
-        char *copy = (char *)malloc(blockSize ? blockSize : 1);
+        char *copy = (char *)calloc(blockSize ? blockSize : 1, 1);
         if (!copy) {
             DebugLog("BlockOpen: out of memory");
             return ORTO_OutOfMemory;
@@ -71,19 +82,13 @@ extern "C" int16_t ORTO_OpenBlock(int16_t sid, char *text, uint32_t textLength, 
         DebugLog("ORTO_OpenBlock: out of memory");
         return ORTO_OutOfMemory;
     }
-    /* A null text can only stand for an empty one that nothing is written
-     * into. */
-    if (!text && (textLength || (!copyText && blockSize))) {
-        free(b);
-        DebugLog("BlockOpen: buffer too small");
-        return ORTO_BufferTooSmall;
-    }
+    s->blockSlots[id] = b;
     i16 rc = BlockOpen(text, textLength, blockSize, copyText, &s->options, b);
     if (rc < 0) {
         free(b);
+        s->blockSlots[id] = nullptr;
         return rc;
     }
-    s->blockSlots[id] = b;
     return id;
 }
 

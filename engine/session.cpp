@@ -93,6 +93,8 @@ extern "C" int16_t ORTO_CloseSession(int16_t sid)
     for (i16 block = 0; block < MaxBlocks; block++)
         if (s->blockSlots[block])
             ORTO_CloseBlock(sid, block);
+    if (s->compressor)
+        ORTO_CompressLexAbort(sid);
     free(s);
     SessionTable[sid] = nullptr;
     DebugLog("ORTO_CloseSession: Session %hd closed", sid);

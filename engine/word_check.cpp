@@ -10,6 +10,7 @@
 
 #include "engine/charclass.h"
 #include "engine/string_helpers.h"
+#include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
 #include "orto.h"
 
@@ -90,6 +91,8 @@ i16 LookupInLex(Session *session, Lexicon *lexicon, const char *word, char *repl
             MatchCase(word, replacement);
         return action;
     }
+    if (lexicon->format == LexCompressed && lexicon->clex)
+        return CLex_Find(word, caseSensitive, lexicon->clex);
     return ORTO_GeneralError;
 }
 

@@ -160,7 +160,12 @@ ORTO_API int16_t ORTO_CheckWord(int16_t sid, const char *word, char *replacement
 
 /* Creates an empty text lexicon in the lowest free lexicon slot.  A null
  * `fileName` makes a temporary lexicon that lives in memory until it is
- * closed.  Returns the lexicon id (0..31), ORTO_TooManyLexicons,
+ * closed.  With a file name (at most 515 characters) the file is written at
+ * once, holding the line "#LID <language>", and every later change rewrites
+ * it whole before the call returns.  Returns the lexicon id (0..31),
+ * ORTO_FileExists (a file of that name can be opened; it is left alone),
+ * ORTO_OpenError (the file can't be made there, e.g. a missing folder, or
+ * the name is too long), ORTO_WriteError, ORTO_TooManyLexicons,
  * ORTO_OutOfMemory or ORTO_BadSessionId. */
 ORTO_API int16_t ORTO_CreateLex(int16_t sid, const char *fileName, uint16_t language);
 
@@ -173,25 +178,40 @@ ORTO_API int16_t ORTO_CloseLex(int16_t sid, int16_t lex);
  * null; cut to 63 characters).  A word that is there already, with the same
  * case, gets the new action and other word.  Returns 0, ORTO_ReadOnlyLex
  * (not a text lexicon; tested before the action), ORTO_UnknownAction,
- * ORTO_InvalidWord (empty word), ORTO_OutOfMemory, ORTO_BadSessionId or
- * ORTO_BadLexId. */
+ * ORTO_InvalidWord (empty word; for a lexicon with a file also a word that
+ * begins with '#' or holds a TAB, CR or LF, or such an other word),
+ * ORTO_OutOfMemory, ORTO_BadSessionId or ORTO_BadLexId.  For a lexicon
+ * with a file also ORTO_WriteError (the file can't be locked or written),
+ * ORTO_OpenError (no working file can be made beside it) or
+ * ORTO_FileOpenError (another client's newer file can't be read); the file
+ * then stays as it was, and so does the lexicon, except that an entry the
+ * new one was to replace is gone from memory. */
 ORTO_API int16_t ORTO_AddToLex(int16_t sid, int16_t lex, const char *word,
                                uint16_t action, const char *otherWord);
 
 /* Deletes `word`, matched exactly with its case and without cutting a
  * possessive ending.  Returns 0, ORTO_NotFound, ORTO_ReadOnlyLex,
- * ORTO_BadSessionId or ORTO_BadLexId. */
+ * ORTO_BadSessionId or ORTO_BadLexId; for a lexicon with a file also
+ * ORTO_WriteError, ORTO_OpenError or ORTO_FileOpenError, which leave file
+ * and lexicon as they were. */
 ORTO_API int16_t ORTO_DelFromLex(int16_t sid, int16_t lex, const char *word);
 
-/* Removes every entry of a text lexicon.  Returns 0, ORTO_ReadOnlyLex,
- * ORTO_BadSessionId or ORTO_BadLexId. */
+/* Removes every entry of a text lexicon; its file then holds the "#LID"
+ * line alone (nothing, for a plain word list), and what other clients had
+ * added to it is gone too.  Returns 0, ORTO_ReadOnlyLex, ORTO_BadSessionId
+ * or ORTO_BadLexId; for a lexicon with a file also ORTO_WriteError or
+ * ORTO_OpenError, after which the file is unchanged but the lexicon in
+ * memory stays empty. */
 ORTO_API int16_t ORTO_ClearLex(int16_t sid, int16_t lex);
 
 /* Looks `word` up in one lexicon, with case when the session has
  * ORTO_CaseSensitive.  Returns the entry's action code (a positive letter),
  * ORTO_NotFound, or another negative code.  `otherWord` takes the entry's
  * other word, cut to `otherWordSize` - 1 characters; it is left as it was
- * when the word is not found. */
+ * when the word is not found.  A compressed lexicon answers 'i' or
+ * ORTO_NotFound, and empties `otherWord` first (it holds no other words);
+ * a part of its file that can't be read gives ORTO_OpenError, ORTO_BadFormat
+ * (file cut or damaged there) or ORTO_OutOfMemory. */
 ORTO_API int16_t ORTO_FindLexWord(int16_t sid, int16_t lex, const char *word,
                                   char *otherWord, int16_t otherWordSize);
 
@@ -219,8 +239,10 @@ ORTO_API int16_t ORTO_GetLexInfo(int16_t sid, int16_t lex, uint32_t *size,
  * 0 the engine works on a copy of its own; with 0 it edits the caller's
  * buffer in place, which must stay alive and writable for `blockSize` bytes
  * until the block is closed.  Returns the block id (0..3),
- * ORTO_TooManyBlocks, ORTO_BufferTooSmall (`blockSize` < `textLength`, or a
- * null `text` that isn't empty), ORTO_OutOfMemory or ORTO_BadSessionId. */
+ * ORTO_TooManyBlocks, ORTO_BufferTooSmall (`blockSize` < `textLength`, a
+ * null `text` that isn't empty, or `blockSize` of 2 GiB or more),
+ * ORTO_OutOfMemory or ORTO_BadSessionId.  The cursor starts on the first
+ * word. */
 ORTO_API int16_t ORTO_OpenBlock(int16_t sid, char *text, uint32_t textLength,
                                 uint32_t blockSize, uint16_t copyText);
 
@@ -228,11 +250,203 @@ ORTO_API int16_t ORTO_OpenBlock(int16_t sid, char *text, uint32_t textLength,
  * Returns 0, ORTO_BadSessionId or ORTO_BadBlockId. */
 ORTO_API int16_t ORTO_CloseBlock(int16_t sid, int16_t block);
 
+/* Walks the block from its cursor and stops at the first word that has
+ * something to report; the cursor then stands on it (or, if the call began
+ * in the white space before that word, where it was).  Returns the result
+ * mask of ORTO_CheckWord, with ORTO_DoubledWord (0x80) added when the word
+ * repeats the one before it with only white space between (under
+ * ORTO_ReportDoubledWords), or ORTO_EndOfBlock (0x40) when no word is left.
+ * Only the first word of a block is held to a capital
+ * (ORTO_ReportUncappedWords), and a word of digits alone always passes.
+ * Calling again without moving the cursor reports the same word again.
+ * `word` takes the word, cut to `wordSize` - 1 characters (a longer word is
+ * checked as cut); `replacement` is filled as by ORTO_CheckWord, and a
+ * `replacementSize` of 0 or below, or a null `replacement`, means none is
+ * wanted.  A null `word` or `wordSize` 0 gives ORTO_BufferTooSmall and
+ * checks nothing.  Also ORTO_BadSessionId or ORTO_BadBlockId. */
+ORTO_API int16_t ORTO_CheckBlock(int16_t sid, int16_t block, char *word, uint16_t wordSize,
+                                 char *replacement, int16_t replacementSize);
+
+/* Copies the word at or after the cursor into `word`, cut to `wordSize` - 1
+ * characters, without moving the cursor.  Returns the byte behind the word
+ * (0..255; 0 at the end of the text), ORTO_NotFound when no word is left
+ * (`word` untouched), ORTO_BufferTooSmall for a null `word` or `wordSize`
+ * 0, ORTO_BadSessionId or ORTO_BadBlockId.  A word with a period inside
+ * keeps one period behind it ("e.g."); an apostrophe after a final s is
+ * dropped ("dogs'" gives "dogs"); hyphens end words under
+ * ORTO_SplitHyphenatedWords. */
+ORTO_API int16_t ORTO_GetBlockWord(int16_t sid, int16_t block, char *word, uint16_t wordSize);
+
+/* Moves the cursor to the start of the next word.  Returns 0, or
+ * ORTO_NotFound when there is none (the cursor then stands at the end of
+ * the text), ORTO_BadSessionId or ORTO_BadBlockId. */
+ORTO_API int16_t ORTO_NextBlockWord(int16_t sid, int16_t block);
+
+/* Puts the cursor at byte `cursor` (not moved to a word start) and forgets
+ * the word before it, so that the word there can't count as doubled.
+ * Returns 0, ORTO_BufferTooSmall when `cursor` lies past the text (cursor
+ * unchanged), ORTO_BadSessionId or ORTO_BadBlockId. */
+ORTO_API int16_t ORTO_SetBlockCursor(int16_t sid, int16_t block, uint32_t cursor);
+
+/* Stores, through each pointer that isn't null, the text length, the
+ * buffer size, the cursor and the number of words.  Counting walks the
+ * text, which ends the first-word status of ORTO_CheckBlock.  Returns 0,
+ * ORTO_BadSessionId or ORTO_BadBlockId. */
+ORTO_API int16_t ORTO_GetBlockInfo(int16_t sid, int16_t block, uint32_t *textLength,
+                                   uint32_t *blockSize, uint32_t *cursor, uint32_t *wordCount);
+
+/* Copies the block's text into `buffer`, with no terminator.  Returns the
+ * text length, ORTO_BufferTooSmall when `bufferSize` (0 for a null
+ * `buffer`) is below it (nothing copied), ORTO_BadSessionId or
+ * ORTO_BadBlockId. */
+ORTO_API int32_t ORTO_GetBlock(int16_t sid, int16_t block, char *buffer, uint32_t bufferSize);
+
+/* Replaces the word at the cursor, which must stand on its first character,
+ * by `newWord` (null: the empty string); the cursor stays on the start of
+ * the new word.  Returns the length of `newWord`, ORTO_NotFound when no
+ * word is left, ORTO_BufferTooSmall when the new word doesn't fit with one
+ * byte to spare -- the old word is then deleted all the same --,
+ * ORTO_BadSessionId or ORTO_BadBlockId.  `newWord` must not point into the
+ * block's own buffer. */
+ORTO_API int16_t ORTO_ReplaceBlockWord(int16_t sid, int16_t block, const char *newWord);
+
+/* Inserts `newText` (null: the empty string) at the cursor, which stays on
+ * its start.  The byte behind the text moves along, so a terminator there
+ * stays behind the text.  Returns the length of `newText`, or
+ * ORTO_BufferTooSmall when the text would not leave one byte of the buffer
+ * to spare, or `newText` is 32,768 bytes or longer (text unchanged); also
+ * ORTO_BadSessionId or ORTO_BadBlockId.  `newText` must not point into the
+ * block's own buffer. */
+ORTO_API int16_t ORTO_InsertBlockText(int16_t sid, int16_t block, const char *newText);
+
+/* Deletes the word at the cursor together with the white space in front of
+ * it; here a hyphen or a period ends a word.  The cursor goes to the next
+ * word.  `deletedText` takes the deleted bytes, cut to `deletedSize` - 1
+ * and terminated; with a null `deletedText` or `deletedSize` 0 or below
+ * nothing is handed back.  Returns the position where the deleted text
+ * began (ORTO_SetBlockCursor there and ORTO_InsertBlockText of the deleted
+ * text undo the deletion), ORTO_NotFound when no word is left (the cursor
+ * then stands in front of the white space, `deletedText` untouched),
+ * ORTO_BadSessionId or ORTO_BadBlockId. */
+ORTO_API int32_t ORTO_DelBlockWord(int16_t sid, int16_t block, char *deletedText,
+                                   int16_t deletedSize);
+
+/* Deletes `count` bytes at the cursor; the cursor stays.  The byte behind
+ * the old text is not moved: after a deletion only the length tells where
+ * the text ends.  Returns 0, ORTO_BufferTooSmall when fewer than `count`
+ * bytes follow the cursor (text unchanged), ORTO_BadSessionId or
+ * ORTO_BadBlockId. */
+ORTO_API int16_t ORTO_DelBlockText(int16_t sid, int16_t block, uint32_t count);
+
 /* @@BLOCK_CALLS@@ */
+
+/* Opens a lexicon file in the lowest free lexicon slot.  The kind of file
+ * is told by its contents.  A text lexicon is read whole into memory: CR LF
+ * lines, a first line "#LID <language>" and then one entry a line (word,
+ * TAB, action letter, other word), or, when the first line doesn't begin
+ * with '#', a plain word list (language 0x616D, each line a word accepted
+ * with action 'i').  The file isn't kept open; each change rewrites it, and
+ * a change first reloads the file if another client has written it since.
+ * A compressed lexicon (a file that begins with 57 00 05 01) is read-only:
+ * opening reads its directory and suffix tables, and the words are read
+ * from the file, which must stay in place unchanged, as lookups need them.
+ * `memoryBudget` is the most bytes of its word text held in memory at once
+ * (the least recently used parts go first); 0 means no limit.  It concerns
+ * compressed lexicons only.  A null `fileName` counts as empty.  Returns
+ * the lexicon id (0..31), ORTO_FileOpenError (the file can't be opened, or
+ * the name has more than 515 characters), ORTO_TooManyLexicons,
+ * ORTO_OutOfMemory (also: a part of a compressed lexicon is larger than
+ * `memoryBudget`, or its tables pass their limits), ORTO_BadFormat (a
+ * damaged compressed lexicon), ORTO_ReadError (one cut short),
+ * ORTO_Unsupported (a Unicode one) or ORTO_BadSessionId. */
+ORTO_API int16_t ORTO_OpenLex(int16_t sid, const char *fileName, uint32_t memoryBudget);
 
 /* @@LEXFILE_CALLS@@ */
 
+/* ======================================================================
+ * Lexicon compressor: sorted word lists into a compressed lexicon
+ * ====================================================================== */
+
+/* Starts a compressed lexicon in `outputFile` (at most 515 characters), in
+ * `language`, with the suffix tables of `suffixFile` (null or empty: no
+ * suffixes; otherwise CR LF lines, '#' lines are comments, the first 30
+ * others are the one-byte suffixes, the next 255 the two-byte ones, each
+ * cut to 8 characters).  The file is written under a temporary name beside
+ * `outputFile` and takes its name only at ORTO_CompressLexEnd, so a failed
+ * or aborted compression leaves an earlier file of that name as it was.
+ * With a suffix file, `*lineNumber` (if not null) receives the number of
+ * suffix lines read up to the end of the one-byte table, comments included.
+ * Returns 0, ORTO_OpenError (output or suffix file can't be opened, or the
+ * name is empty or too long), ORTO_WriteError, ORTO_OutOfMemory,
+ * ORTO_Unsupported (this session is compressing already: end or abort that
+ * first) or ORTO_BadSessionId.  After a failure nothing is open; call
+ * ORTO_CompressLexInit again or ORTO_CompressLexAbort. */
+ORTO_API int16_t ORTO_CompressLexInit(int16_t sid, const char *outputFile, const char *suffixFile,
+                                      int16_t language, uint32_t *lineNumber);
+
+/* Adds the words of the list `wordFile`: CR LF lines, one word a line (at
+ * most 63 bytes of letters, digits, punctuation and spaces), strictly
+ * ascending by unsigned bytes, no duplicates; empty lines and lines that
+ * begin with '#' are skipped.  Several lists may be given, one a call, in
+ * any order, but no two may hold words with the same first three bytes.
+ * `*lineNumber` (if not null) receives the number of the last line read,
+ * counting skipped lines, so it points at a bad word.
+ * Returns 0, ORTO_OpenError (list can't be opened), ORTO_InvalidWord (word
+ * too long, or a byte below 0x20 or of no character class),
+ * ORTO_OutOfSequence (word not above the one before, or first three bytes
+ * shared with an earlier list), ORTO_OutOfMemory (also: more than 65,535
+ * different first-three-byte keys), ORTO_WriteError, ORTO_Unsupported (no
+ * ORTO_CompressLexInit, or it failed) or ORTO_BadSessionId.  After a
+ * failure, ORTO_CompressLexEnd keeps the lists finished before it;
+ * ORTO_CompressLexAbort gives up. */
+ORTO_API int16_t ORTO_CompressLexFile(int16_t sid, const char *wordFile, uint32_t *lineNumber);
+
+/* Finishes the lexicon, puts it under its name (replacing a file that was
+ * there) and ends the compression.  Returns 0 (also when none was started),
+ * ORTO_WriteError (nothing replaced then), ORTO_Unsupported (the
+ * ORTO_CompressLexInit before it failed) or ORTO_BadSessionId. */
+ORTO_API int16_t ORTO_CompressLexEnd(int16_t sid);
+
+/* Gives up a compression: the temporary file is deleted, `outputFile` is
+ * left as it was.  A session without a compression, or a bad id, is left
+ * as it is. */
+ORTO_API void ORTO_CompressLexAbort(int16_t sid);
+
 /* @@CLEX_CALLS@@ */
+
+/* ======================================================================
+ * Suggestions
+ * ====================================================================== */
+
+/* Ranks replacement candidates for `word` (its possessive ending cut when
+ * the session strips possessives) from every lexicon of the session, slot 31
+ * first, by spelling (ORTO_TypographicalSuggestions) and by sound
+ * (ORTO_PhoneticSuggestions), plus the word split in two
+ * (ORTO_SuggestSplitWords).  An a/A/c/C entry of a text lexicon for exactly
+ * this word offers its other word with score 99.  At most `maxSuggestions`
+ * candidates are kept, best first; equal scores stand in order of arrival.
+ * Each candidate takes the case pattern of `word` (all capitals, or a
+ * capital first letter); a candidate that then equals the one before it is
+ * left out.
+ * `depth` (0..100) bounds the search in compressed lexicons: a segment of
+ * words is opened when its first three letters score at least 100 - depth
+ * against those of the word.  Text lexicons are always searched whole.
+ * Output: `suggestions` receives the strings one behind the other, each
+ * NUL-terminated, and an empty string after the last (an empty list is one
+ * NUL byte); `scores[i]` (0..100) receives the score of string i.  Elements
+ * of `scores` beyond the list are not touched.
+ * Returns 0 (also for an empty list or an empty word), ORTO_BadSessionId,
+ * ORTO_OutOfMemory, the code of a compressed lexicon whose segment can't be
+ * read (ORTO_OpenError, ORTO_BadFormat, ...), or ORTO_BufferTooSmall:
+ *   - `suggestionsSize` < 1, `maxSuggestions` < 1, or a null `suggestions`
+ *     or `scores`: nothing is written at all;
+ *   - the strings don't fit with the closing empty string: those that fit
+ *     stand in `suggestions` with their scores, but the list is not closed
+ *     and must not be read.
+ * After any other failure `suggestions` holds the empty list.  Both buffers
+ * are the caller's; the call keeps no pointer to them. */
+ORTO_API int16_t ORTO_Suggest(int16_t sid, const char *word, int16_t depth, char *suggestions,
+                              int32_t suggestionsSize, int16_t *scores, int16_t maxSuggestions);
 
 /* @@SUGGEST_CALLS@@ */
 

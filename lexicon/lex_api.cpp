@@ -5,12 +5,15 @@
  * format can't do, and hands the rest to the TLex or CLex routines.
  */
 #include <stdlib.h>
+#include <string.h>
 
 #include "engine/debug_log.h"
 #include "engine/session.h"
 #include "engine/string_helpers.h"
 #include "engine/word_check.h"
+#include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
+#include "lexicon/tlex_file.h"
 #include "orto.h"
 
 static bool isAction(uint16_t action)
@@ -34,6 +37,11 @@ extern "C" int16_t ORTO_CreateLex(int16_t sid, const char *fileName, uint16_t la
     if (lex == MaxLexicons) {
         DebugLog("ORTO_CreateLex: too many lexicons");
         return ORTO_TooManyLexicons;
+    }
+    /* A name cut to the lexicon's 516 bytes would make another file. */
+    if (fileName && strlen(fileName) >= (size_t)PathSize) {
+        DebugLog("error opening %s", fileName);
+        return ORTO_OpenError;
     }
     Lexicon *l = (Lexicon *)calloc(1, sizeof(Lexicon));
     if (!l) {
@@ -63,6 +71,8 @@ extern "C" int16_t ORTO_CloseLex(int16_t sid, int16_t lex)
         return ORTO_BadLexId;
     if (l->format == LexText)
         TLex_Close(&l->tlex);
+    else if (l->format == LexCompressed)
+        CLex_CloseBody(l);
     DebugLog("ORTO_CloseLex: %hd closed", lex);
     free(l);
     s->lexSlots[lex] = nullptr;
@@ -111,6 +121,12 @@ extern "C" int16_t ORTO_AddToLex(int16_t sid, int16_t lex, const char *word, uin
         DebugLog("ORTO_AddToLex: invalid word");
         return ORTO_InvalidWord;
     }
+    /* A file line can't hold what would read back as a comment, another
+     * field or another line; a lexicon in memory only takes anything. */
+    if (l->tlex.fileName[0] && !TLex_FitsFile(stripped, otherWord)) {
+        DebugLog("ORTO_AddToLex: invalid word");
+        return ORTO_InvalidWord;
+    }
     rc = TLex_Add(&l->tlex, stripped, (char)action, otherWord);
     return rc < 0 ? rc : 0;
 }
@@ -147,6 +163,11 @@ extern "C" int16_t ORTO_FindLexWord(int16_t sid, int16_t lex, const char *word, 
     int caseSensitive = (s->options & ORTO_CaseSensitive) ? 1 : 0;
     if (l->format == LexText)
         return TLex_Find(&l->tlex, orEmpty(word), caseSensitive, otherWord, otherWordSize);
+    if (l->format == LexCompressed && l->clex) {
+        if (otherWordSize > 0)
+            otherWord[0] = 0; /* a compressed lexicon holds no other word */
+        return CLex_Find(orEmpty(word), caseSensitive, l->clex);
+    }
     return ORTO_GeneralError;
 }
 

@@ -4,8 +4,13 @@
  * A file-backed lexicon makes each change under the file's lock, on the
  * latest table (synchronised first), and rewrites the whole file before
  * the call returns.  When the rewrite fails, the change is taken back in
- * memory so that table and file agree again.
+ * memory so that table and file agree again.  The new time stamp is taken
+ * while the lock is still held: taken after, it could be the stamp of
+ * another client's rewrite, which this client would then never reload.
  */
+#include <stdlib.h>
+#include <string.h>
+
 #include "engine/debug_log.h"
 #include "engine/string_helpers.h"
 #include "lexicon/lexicon.h"
@@ -13,6 +18,23 @@
 #include "orto.h"
 
 static bool hasFile(const TLex *tlex) { return tlex->fileName[0] != 0; }
+
+/* Index of the entry with exactly this word, or -1. */
+static i32 findEntry(const TLex *tlex, const char *word)
+{
+    i32 lo = 0, hi = (i32)tlex->count - 1;
+    while (lo <= hi) {
+        i32 mid = lo + (hi - lo) / 2;
+        i16 c = StrCompare(tlex->table.base[mid].word, word);
+        if (c == 0)
+            return mid;
+        if (c < 0)
+            lo = mid + 1;
+        else
+            hi = mid - 1;
+    }
+    return -1;
+}
 
 /* Lock and bring the table in step with the file.  Returns the lock number
  * or a negative code (the lock then already given up). */
@@ -34,8 +56,9 @@ static i16 lockAndSync(TLex *tlex, const char *lockMessage)
 i16 TLex_Add(TLex *tlex, const char *word, char action, const char *otherWord)
 {
     /* Adding a word that exists replaces its action and other word; its
-     * case is part of its identity. */
-    if (TLex_Find(tlex, word, 1, nullptr, 0) > 0)
+     * case is part of its identity.  An entry read with no action (0) is
+     * there too and is replaced the same way. */
+    if (TLex_Find(tlex, word, 1, nullptr, 0) >= 0)
         TLex_Remove(tlex, word);
     i16 lock = 0;
     if (hasFile(tlex)) {
@@ -44,7 +67,7 @@ i16 TLex_Add(TLex *tlex, const char *word, char action, const char *otherWord)
             return lock;
         /* The reload may have brought the old entry back: take it out
          * again, so that a word never stands twice in the table. */
-        if (TLex_Find(tlex, word, 1, nullptr, 0) > 0)
+        if (TLex_Find(tlex, word, 1, nullptr, 0) >= 0)
             TLex_Remove(tlex, word);
     }
     i16 rc = TLex_Insert(tlex, word, action, otherWord);
@@ -57,12 +80,13 @@ i16 TLex_Add(TLex *tlex, const char *word, char action, const char *otherWord)
         return 0;
     rc = TLex_WriteFile(tlex);
     if (rc < 0) {
+        /* the entry replaced above stays out: the file still holds it */
         TLex_Remove(tlex, word);
         unlockFile(lock);
         return rc;
     }
-    unlockFile(lock);
     TLex_StampFile(tlex);
+    unlockFile(lock);
     return 0;
 }
 
@@ -79,24 +103,34 @@ i16 TLex_Del(TLex *tlex, const char *word)
             unlockFile(lock);
         return ORTO_NotFound;
     }
-    char info[1 + MaxOtherWord + 1];
-    i16 action = TLex_Find(tlex, word, 1, info + 1, sizeof info - 1);
-    i16 rc = TLex_Remove(tlex, word);
-    if (rc < 0) {
+    i32 at = findEntry(tlex, word);
+    if (at < 0) {
+        i16 rc = TLex_Remove(tlex, word); /* logs the word not found */
         if (hasFile(tlex))
             unlockFile(lock);
         return rc;
     }
-    if (!hasFile(tlex))
-        return 0;
-    rc = TLex_WriteFile(tlex);
+    /* The entry is taken out of the table but kept whole until the file is
+     * written, so that a failed rewrite can put back exactly what was
+     * there, with no allocation that could fail in turn. */
+    TLexEntry kept = tlex->table.base[at];
+    TLexEntry *base = tlex->table.base;
+    memmove(&base[at], &base[at + 1], (size_t)(tlex->count - (u32)at - 1) * sizeof(TLexEntry));
+    tlex->count--;
+    i16 rc = hasFile(tlex) ? TLex_WriteFile(tlex) : 0;
     if (rc < 0) {
-        TLex_Insert(tlex, word, (char)action, info + 1);
+        memmove(&base[at + 1], &base[at], (size_t)(tlex->count - (u32)at) * sizeof(TLexEntry));
+        base[at] = kept;
+        tlex->count++;
         unlockFile(lock);
         return rc;
     }
-    unlockFile(lock);
+    free(kept.word);
+    free(kept.info);
+    if (!hasFile(tlex))
+        return 0;
     TLex_StampFile(tlex);
+    unlockFile(lock);
     return 0;
 }
 
@@ -111,10 +145,10 @@ i16 TLex_Clear(TLex *tlex)
         DebugLog("TLex_Clear: can't lock %s", tlex->fileName);
         return ORTO_WriteError;
     }
+    /* the entries stay cleared after a failed rewrite */
     i16 rc = TLex_WriteFile(tlex);
+    if (rc == 0)
+        TLex_StampFile(tlex);
     unlockFile(lock);
-    if (rc < 0)
-        return rc;
-    TLex_StampFile(tlex);
-    return 0;
+    return rc;
 }

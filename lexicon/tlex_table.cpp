@@ -84,8 +84,13 @@ i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord
     char info[1 + MaxOtherWord + 1];
     info[0] = action;
     StrCopy(info + 1, MaxOtherWord + 1, otherWord ? otherWord : "");
+    /* copied by length, not as a string: an action byte of 0 (a line of a
+     * file without one) still leaves the other word readable behind it */
+    size_t infoSize = 1 + strlen(info + 1) + 1;
     char *wordCopy = StrDup(word);
-    char *infoCopy = wordCopy ? StrDup(info) : nullptr;
+    char *infoCopy = wordCopy ? (char *)malloc(infoSize) : nullptr;
+    if (infoCopy)
+        memcpy(infoCopy, info, infoSize);
     if (!infoCopy) {
         /* the table is left exactly as it was */
         free(wordCopy);

@@ -1,0 +1,159 @@
+/*
+ * clex.h -- the compressed lexicon reader: a read-only word store of which
+ * only the directory and the suffix tables stay in memory.
+ *
+ * Words are grouped in segments by their first three characters.  A
+ * segment's text is read from the file by loadSeg when a lookup or a
+ * suggestion walk needs it, and kept in a cache bounded by `budget` bytes,
+ * evicting the least recently used segment first.  Segment text is checked
+ * once when it is loaded, so that the decoders below never leave their
+ * buffers, whatever the file holds.
+ *
+ * Files: clex_open.cpp (probe, open, close, the pool), clex_cache.cpp
+ * (loadSeg), clex_scan.cpp (decoding, CLex_ScanSegment, the cursor),
+ * clex_skip.h (passing over records without decoding them), clex_find.cpp
+ * (CLex_Find, its key patterns, the directory search).
+ */
+#ifndef ORTO_LEXICON_CLEX_H
+#define ORTO_LEXICON_CLEX_H
+
+#include "engine/types.h"
+#include "lexicon/clex_format.h"
+
+struct Lexicon;
+
+/* One directory record and, while resident, its text. */
+struct CLexSegment {
+    u32 offset;          /* start of the text within section 5's payload */
+    u32 length;          /* bytes of text */
+    unsigned char *text; /* the text while resident, else null */
+    u32 lastUse;         /* useClock at the last loadSeg */
+    char key[SegKeySize]; /* first three characters; a 1-2 character word padded with NUL */
+};
+
+/* Segment records come from chunks of this many; records are never freed
+ * one by one, the whole pool goes at CLex_Close. */
+constexpr u32 CLexPoolChunkRecords = 1000;
+
+struct CLexPoolChunk {
+    CLexPoolChunk *next;                         /* the chunk allocated before */
+    u32 used;                                    /* records handed out */
+    CLexSegment records[CLexPoolChunkRecords];
+};
+
+struct CLexPool {
+    CLexPoolChunk *head; /* newest chunk; null before the first record */
+};
+
+struct CLex {
+    CLexSegment **segments;    /* directory order, so sorted by key */
+    u32 segmentCount;          /* entries in segments */
+    u32 textOffset;            /* file position of section 5's payload */
+    u32 textLength;            /* length of section 5's payload */
+    u32 budget;                /* most bytes of resident text; 0: no limit */
+    u32 budgetLeft;            /* what is left of budget (unused when budget is 0) */
+    u32 useClock;              /* counts the calls of loadSeg */
+    u16 language;              /* from section 1 */
+    u16 charSize;              /* from section 2 */
+    char **simpleSuffixes;     /* into simpleText */
+    u16 simpleCount;           /* strings in simpleSuffixes */
+    char **extendedSuffixes;   /* into extendedText */
+    u16 extendedCount;         /* strings in extendedSuffixes */
+    char fileName[PathSize];   /* segments are read from it by name */
+    CLexPool segmentPool;      /* holds every CLexSegment */
+    char *simpleText;          /* the simple suffix table as read */
+    char *extendedText;        /* the extended suffix table as read */
+    u32 fileLoads;             /* times loadSeg went to the file: shows cache hits to tests */
+    u32 *keyValues;            /* key of segments[i] as a 24-bit number, for the search */
+    u32 firstSegment[257];     /* segments whose key begins with byte b: [firstSegment[b], firstSegment[b + 1]) */
+};
+
+/* ---- Loading (clex_open.cpp, clex_cache.cpp) ---- */
+
+/* Looks into a file for Lex_Identify.  0 with lexicon->language set when the
+ * file is compressed; ORTO_BadFormat when it isn't (the caller then tries
+ * the text path); ORTO_FileOpenError when it can't be opened. */
+i16 CLex_Probe(const char *fileName, Lexicon *lexicon);
+
+/* Fills `clex` from the file: directory and suffix tables, no segment text.
+ * 0, or a negative code with nothing left allocated. */
+i16 CLex_Open(const char *fileName, u32 memoryBudget, CLex *clex);
+
+/* Frees all segment text, the tables and the pool; the CLex is then empty. */
+void CLex_Close(CLex *clex);
+
+/* The body of a LexCompressed Lexicon: allocates lexicon->clex and opens
+ * it, or frees it again and returns the code. */
+i16 CLex_OpenBody(Lexicon *lexicon, const char *fileName, u32 memoryBudget);
+/* Closes and frees lexicon->clex, if any. */
+void CLex_CloseBody(Lexicon *lexicon);
+
+/* Makes segment->text resident and marks the segment as just used.  0, or
+ * a negative code with segment->text null: ORTO_NotFound (empty segment),
+ * ORTO_OutOfMemory, ORTO_OpenError, ORTO_BadFormat (seek or read failed,
+ * or the text is damaged). */
+i16 loadSeg(CLex *clex, CLexSegment *segment);
+
+/* ---- Lookup (clex_find.cpp, clex_scan.cpp) ---- */
+
+/* The segment with exactly this three-byte key, or null. */
+CLexSegment *CLex_FindSegment(const CLex *clex, const char *key);
+/* Fills keyValues and firstSegment from a sorted directory. */
+void CLex_IndexKeys(CLex *clex);
+
+/* 'i' when the lexicon holds `word`, ORTO_NotFound when it doesn't, or the
+ * code of a failed loadSeg.  Case-blind lookups try the eight case patterns
+ * of the key. */
+i16 CLex_Find(const char *word, int caseSensitive, CLex *clex);
+
+/* Per decoded word: 0 a match (the scan stops with 1), below 0 stop
+ * (the scan gives 0), above 0 go on.  `decoded` lives until the callback
+ * returns. */
+typedef i32 (*CLexScanCallback)(const char *word, const char *decoded, void *context);
+
+/* Decodes the words of a resident segment in order.  With a null callback,
+ * compares them with `word` exactly and stops once the order has passed
+ * it.  1 when stopped by a match, else 0.  A segment whose text is not
+ * resident, or is damaged, gives 0. */
+i16 CLex_ScanSegment(const CLex *clex, const CLexSegment *segment, const char *word,
+                     CLexScanCallback callback, void *context);
+
+/* The case-blind callback: 0 if StrCompareNoCase finds the two equal,
+ * else 1. */
+i32 CLex_MatchNoCase(const char *word, const char *decoded, void *context);
+
+/* ---- Word by word (for walks that want a loop rather than a callback) ----
+ *
+ *   if (loadSeg(clex, seg) == 0) {
+ *       CLexCursor cur;
+ *       CLex_StartSegment(&cur, clex, seg);
+ *       while (const char *w = CLex_NextWord(&cur)) ...
+ *   }
+ *
+ * No allocation; the cursor is valid while the segment stays resident (no
+ * loadSeg of another segment in between when a budget is set). */
+struct CLexCursor {
+    const CLex *clex;         /* for the suffix tables */
+    const unsigned char *p;   /* next record */
+    const unsigned char *end; /* end of the segment's text */
+    u16 tailLength;           /* characters behind the key in `word` */
+    u16 damaged;              /* 1 once a record could not be decoded */
+    char word[WordSize];      /* the current word, NUL-terminated */
+};
+
+/* Places the cursor before the first word.  A segment whose key is a whole
+ * word (third key byte NUL) yields that word once; a segment without
+ * resident text yields nothing. */
+void CLex_StartSegment(CLexCursor *cursor, const CLex *clex, const CLexSegment *segment);
+
+/* The next word (in cursor->word), or null at the end of the segment or at
+ * damaged text (cursor->damaged is then 1). */
+const char *CLex_NextWord(CLexCursor *cursor);
+
+/* 1 when the text decodes cleanly to its end under the clex's suffix
+ * tables: no record passes the segment or the 63-character word, no suffix
+ * number passes its table, no shared count passes the word before. */
+int CLex_CheckSegmentText(const CLex *clex, const char *key, const unsigned char *text,
+                          u32 length);
+
+#endif

@@ -1,0 +1,212 @@
+/*
+ * suggest_walk.cpp -- the two lexicon walks that feed the suggestion list:
+ * walkTLex over the entries of a text lexicon, walkCLex over the segments
+ * of a compressed one, with scoreCandidate as the callback of the segment
+ * scan.
+ *
+ * A text lexicon is small and walked whole.  A compressed one is walked by
+ * segments: a segment is opened only when its three-character key scores
+ * at least 100 - depth against the first three characters of the word,
+ * under the walk's own measure; keys of one or two characters are whole
+ * words and are scored as candidates.
+ *
+ * Each candidate is scored against the list's current floor (ScoreProbe):
+ * the walk asks only whether it can still get in.  The same holds for a
+ * whole segment, which is still loaded (so that a load failure and the
+ * cache end up as they would without the bound) but not decoded when none
+ * of its words can get in.
+ */
+#include "suggest/suggest.h"
+
+#include <string.h>
+
+#include "engine/charclass.h"
+#include "engine/string_helpers.h"
+#include "lexicon/clex.h"
+#include "lexicon/lexicon.h"
+
+/* What scoreCandidate needs; lives for one walkCLex. */
+struct WalkContext {
+    SuggestionList *list;     /* where candidates go */
+    Measure measure;          /* the measure of this walk */
+    const ScoreProbe *probe;  /* the word prepared for `measure` */
+};
+
+void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list)
+{
+    ScoreProbe probe;
+    probeInit(&probe, measure, word);
+    for (u32 i = 0; i < tlex->count; i++) {
+        const TLexEntry *entry = &tlex->table.base[i];
+        switch (entry->info[0]) {
+        case 'a': case 'A': case 'c': case 'C':
+            if (StrCompare(entry->word, word) == 0)
+                addSuggestion(entry->info + 1, 99, list);
+            break;
+        case 'i': {
+            i16 score = probeScore(&probe, entry->word, listFloor(list));
+            if (score >= 1)
+                addSuggestion(entry->word, score, list);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+}
+
+static i32 scoreCandidate(const char *word, const char *candidate, void *context)
+{
+    (void)word; /* the probe holds it, prepared */
+    WalkContext *walk = (WalkContext *)context;
+    i16 score = probeScore(walk->probe, candidate, listFloor(walk->list));
+    if (score >= 1)
+        addSuggestion(candidate, score, walk->list);
+    return 1;
+}
+
+/* The key test of one walk: the first three characters of the word
+ * against each three-character key, passed at `minScore` or more.  Under
+ * the typographical measure the keys, which come sorted, go through one
+ * TypoTrail: a key that shares the beginning at which the last key scored
+ * was cut fails without a run. */
+struct KeyTest {
+    ScoreProbe probe;        /* the three characters, for other measures */
+    char wordKey[4];         /* the first three characters of the word */
+    i32 minScore;            /* 100 - depth, at most 101 */
+    bool typo;               /* the keys go through `trail` */
+    bool lengthFails;        /* typo: no three-character key passes the length test */
+    i32 full, minPoints;     /* typo: points of wordKey, and to keep */
+    TypoTrail trail;         /* typo: the run of `trailKey` */
+    char trailKey[3];        /* typo: the key last run */
+    i32 sealed;              /* typo: a key sharing this many with trailKey fails */
+};
+
+static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 depth)
+{
+    StrCopyN(test->wordKey, sizeof test->wordKey, word, 3);
+    probeInit(&test->probe, measure, test->wordKey);
+    test->minScore = 100 - (i32)depth;
+    if (test->minScore > 101)
+        test->minScore = 101; /* no key can score that much */
+    test->typo = test->probe.kind == ProbeTypo && test->minScore > 0;
+    i32 length = test->probe.length;
+    test->lengthFails = 3 - length > length / 2;
+    test->full = typoFullPoints(length);
+    test->minPoints = typoPointsToBeat(test->full, (i16)(test->minScore - 1));
+    test->trail.length = 0;
+    test->sealed = 4;
+    memset(test->trailKey, 0, sizeof test->trailKey);
+}
+
+static bool keyPasses(KeyTest *test, const char *key)
+{
+    if (test->minScore <= 0)
+        return true;
+    if (!test->typo)
+        return probeScore(&test->probe, key, (i16)(test->minScore - 1)) >= test->minScore;
+    if (test->lengthFails)
+        return false;
+    i32 common = 0;
+    while (common < 3 && key[common] == test->trailKey[common])
+        common++;
+    if (common >= test->sealed)
+        return false;
+    i32 cutAt;
+    i32 points = typoRunTrail(test->wordKey, test->probe.length, key, 3, test->full,
+                              test->minPoints, &test->trail, common, &cutAt);
+    memcpy(test->trailKey, key, 3);
+    test->sealed = cutAt >= 0 ? cutAt + 1 : 4;
+    return points >= test->minPoints;
+}
+
+/* Most candidates a first look keeps count of. */
+constexpr int EstimateRoom = 64;
+
+/*
+ * A floor that the list is sure to reach by the end of a typographical walk
+ * that starts on an empty list, from a first look at the segments of the
+ * word's own first three characters (as written, and in small letters),
+ * where its best candidates tend to stand.
+ *
+ * Why it is safe: with an empty list at the start, and one text always
+ * bearing one score within a walk, the list after any number of offers is
+ * the best `capacity` of them (by score, then arrival).  So once the walk
+ * has offered `capacity` candidates of score F or more, nothing below F
+ * stands in the list at its end, and nothing below F decides what else
+ * does: such candidates need not be scored.  The first look only counts
+ * candidates that the walk offers (their segment passes the key test) and
+ * only reads segments already in memory, so that the cache sees nothing of
+ * it.  0 when it learns nothing.
+ */
+static i16 estimateFloor(const CLex *clex, const char *word, const ScoreProbe *probe,
+                         const KeyTest *keyTest, const SuggestionList *list)
+{
+    if (list->count != 0 || list->capacity > EstimateRoom || probe->length < 3)
+        return 0;
+    i16 best[EstimateRoom]; /* scores, highest first */
+    int kept = 0, room = list->capacity;
+    char keys[2][4] = {{word[0], word[1], word[2], 0}, {0, 0, 0, 0}};
+    for (int i = 0; i < 3; i++)
+        keys[1][i] = (char)ToLower((unsigned char)word[i]);
+    int variants = memcmp(keys[0], keys[1], 3) ? 2 : 1;
+    for (int v = 0; v < variants; v++) {
+        const CLexSegment *segment = CLex_FindSegment(clex, keys[v]);
+        if (!segment || !segment->text ||
+            (keyTest->minScore > 0 && keyTest->probe.measure(keyTest->wordKey, keys[v]) < keyTest->minScore))
+            continue;
+        CLexCursor cursor;
+        CLex_StartSegment(&cursor, clex, segment);
+        while (const char *candidate = CLex_NextWord(&cursor)) {
+            i16 floor = kept == room ? best[room - 1] : 0;
+            i16 score = typoScoreAbove(word, probe->length, candidate, floor);
+            if (score < 1)
+                continue;
+            int at = kept < room ? kept++ : room - 1;
+            while (at > 0 && best[at - 1] < score) {
+                best[at] = best[at - 1];
+                at--;
+            }
+            best[at] = score;
+        }
+    }
+    return kept == room ? best[room - 1] : 0;
+}
+
+i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex)
+{
+    ScoreProbe probe;
+    probeInit(&probe, measure, word);
+    WalkContext context = {list, measure, &probe};
+    KeyTest keyTest;
+    keyTestInit(&keyTest, measure, word, depth);
+    char key[4] = {0, 0, 0, 0};
+    /* what the list will hold at least, less one: nothing at or below it counts */
+    i16 lowestFloor = 0;
+    if (probe.kind == ProbeTypo) {
+        i16 estimate = estimateFloor(clex, word, &probe, &keyTest, list);
+        lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
+    }
+
+    for (u32 i = 0; i < clex->segmentCount; i++) {
+        CLexSegment *segment = clex->segments[i];
+        if (segment->key[2] == 0) {
+            scoreCandidate(word, segment->key, &context);
+            continue;
+        }
+        memcpy(key, segment->key, 3);
+        if (!keyPasses(&keyTest, key))
+            continue;
+        i16 rc = loadSeg(clex, segment);
+        if (rc < 0)
+            return rc;
+        i16 floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
+        if (!probeSegmentMayScore(&probe, key, floor))
+            continue;
+        if (probe.kind == ProbeTypo)
+            walkSegmentTypo(clex, segment, &probe, list, lowestFloor);
+        else
+            CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
+    }
+    return 0;
+}

@@ -1,0 +1,643 @@
+// Compressed lexicons read from real files: opening, the segment cache,
+// exact and case-blind lookup, the word-by-word walk, damaged files.
+#include <gtest/gtest.h>
+
+#include <stdio.h>
+#include <string.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "engine/charclass.h"
+#include "engine/session.h"
+#include "lexicon/clex.h"
+#include "lexicon/lexicon.h"
+#include "orto.h"
+#include "support/clex_builder.h"
+#include "support/test_support.h"
+
+using clexb::be32;
+using clexb::section;
+
+namespace {
+
+// The 108-byte file of the format's documentation: language "am",
+// suffixes "s" and "ing", words a, walk, walked, walking, walks, wall.
+const unsigned char Example[] = {
+    0x57, 0x00, 0x05, 0x01,
+    0x00, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x61, 0x6D,
+    0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x01,
+    0x00, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x0E,
+    0x00, 0x00, 0x00, 0x06, 0x73, 0x00, 0x69, 0x6E, 0x67, 0x00,
+    0x00, 0x00, 0x00, 0x00,
+    0x00, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x10,
+    0x00, 0x00,
+    0x00, 0x6B, 0x00, 0x01, 0x65, 0x64, 0x00, 0x01, 0x03, 0x01, 0x02, 0x00, 0x6C, 0x00,
+    0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00, 0x1A,
+    0x00, 0x00, 0x00, 0x02,
+    0x61, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x02,
+    0x77, 0x61, 0x6C, 0x00, 0x00, 0x00, 0x02, 0x00, 0x00, 0x00, 0x0E,
+};
+
+std::string exampleBytes() { return std::string((const char *)Example, sizeof Example); }
+
+struct ClexFile : ::testing::Test {
+    TempDir dir;
+    int16_t sid = -1;
+    void SetUp() override { sid = ORTO_OpenSession(); }
+    void TearDown() override { ORTO_CloseSession(sid); }
+
+    std::string put(const std::string &bytes, const std::string &name = "lex.clx")
+    {
+        std::string path = dir.file(name);
+        writeFile(path, bytes);
+        return path;
+    }
+    int16_t open(const std::string &bytes, uint32_t budget = 0)
+    {
+        return ORTO_OpenLex(sid, put(bytes).c_str(), budget);
+    }
+    CLex *clex(int16_t lex) { return SessionTable[sid]->lexSlots[lex]->clex; }
+    void caseSensitive(bool on) { ORTO_SetOption(sid, ORTO_CaseSensitive, on ? 1 : 0); }
+    int16_t find(int16_t lex, const char *word)
+    {
+        return ORTO_FindLexWord(sid, lex, word, nullptr, 0);
+    }
+    CLexSegment *segment(int16_t lex, const char *key)
+    {
+        char k[3] = {0, 0, 0};
+        memcpy(k, key, strnlen(key, 3));
+        return CLex_FindSegment(clex(lex), k);
+    }
+};
+
+std::vector<std::string> wordsOf(const CLex *clex, const CLexSegment *seg)
+{
+    std::vector<std::string> out;
+    CLexCursor cur;
+    CLex_StartSegment(&cur, clex, seg);
+    while (const char *w = CLex_NextWord(&cur))
+        out.push_back(w);
+    return out;
+}
+
+} // namespace
+
+TEST_F(ClexFile, DocumentedExampleReadsBack)
+{
+    ASSERT_EQ(sizeof Example, 108u);
+    int16_t lex = open(exampleBytes());
+    ASSERT_GE(lex, 0);
+    uint32_t size = 7;
+    uint16_t format = 9, language = 0;
+    EXPECT_EQ(ORTO_GetLexInfo(sid, lex, &size, &format, &language), 0);
+    EXPECT_EQ(format, ORTO_LexCompressed);
+    EXPECT_EQ(language, 0x616D);
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(clex(lex)->segmentCount, 2u);
+    EXPECT_EQ(clex(lex)->simpleCount, 2);
+    EXPECT_EQ(clex(lex)->extendedCount, 0);
+    EXPECT_EQ(clex(lex)->textOffset, 58u);
+
+    for (const char *w : {"a", "walk", "walked", "walking", "walks", "wall"})
+        EXPECT_EQ(find(lex, w), 'i') << w;
+    for (const char *w : {"A", "walke", "walz", "wal", "walkings", "wa", "b", "", "Walk"})
+        EXPECT_EQ(find(lex, w), ORTO_NotFound) << w;
+
+    // no segment of the key: no file access at all
+    uint32_t loads = clex(lex)->fileLoads;
+    EXPECT_EQ(find(lex, "wax"), ORTO_NotFound);
+    EXPECT_EQ(clex(lex)->fileLoads, loads);
+
+    caseSensitive(false);
+    for (const char *w : {"WALKS", "A", "a", "Walking", "wALL"})
+        EXPECT_EQ(find(lex, w), 'i') << w;
+    EXPECT_EQ(find(lex, "WALKZ"), ORTO_NotFound);
+
+    // a compressed lexicon has no other word, and says so
+    char other[8] = "old";
+    EXPECT_EQ(ORTO_FindLexWord(sid, lex, "walk", other, sizeof other), 'i');
+    EXPECT_STREQ(other, "");
+
+    EXPECT_EQ(wordsOf(clex(lex), segment(lex, "wal")),
+              (std::vector<std::string>{"walk", "walked", "walking", "walks", "wall"}));
+    EXPECT_EQ(wordsOf(clex(lex), segment(lex, "a")), (std::vector<std::string>{"a"}));
+}
+
+TEST_F(ClexFile, ReadOnlyThroughTheLexiconCalls)
+{
+    int16_t lex = open(exampleBytes());
+    ASSERT_GE(lex, 0);
+    EXPECT_EQ(ORTO_AddToLex(sid, lex, "word", 'x', nullptr), ORTO_ReadOnlyLex);
+    EXPECT_EQ(ORTO_DelFromLex(sid, lex, "walk"), ORTO_ReadOnlyLex);
+    EXPECT_EQ(ORTO_ClearLex(sid, lex), ORTO_ReadOnlyLex);
+    char buf[16];
+    EXPECT_EQ(ORTO_GetLex(sid, lex, buf, sizeof buf), ORTO_Unsupported);
+
+    // the word check consults it like any lexicon
+    EXPECT_EQ(ORTO_CheckWord(sid, "walking", nullptr, 0), 0);
+    EXPECT_EQ(ORTO_CheckWord(sid, "walkign", nullptr, 0) & ORTO_MisspelledWord,
+              ORTO_MisspelledWord);
+
+    EXPECT_EQ(ORTO_CloseLex(sid, lex), 0);
+    EXPECT_EQ(ORTO_FindLexWord(sid, lex, "walk", nullptr, 0), ORTO_BadLexId);
+    // a lexicon still open when the session closes is freed with it
+    EXPECT_GE(open(exampleBytes()), 0);
+}
+
+TEST_F(ClexFile, ScanCallbackStopsAndGoesOn)
+{
+    int16_t lex = open(exampleBytes());
+    ASSERT_GE(lex, 0);
+    CLexSegment *wal = segment(lex, "wal");
+    ASSERT_EQ(loadSeg(clex(lex), wal), 0);
+    struct Ctx {
+        int seen;
+        int stopAt;
+        int answer;
+        std::vector<std::string> words;
+    };
+    auto cb = [](const char *, const char *decoded, void *context) -> i32 {
+        Ctx *c = (Ctx *)context;
+        c->words.push_back(decoded);
+        return ++c->seen == c->stopAt ? c->answer : 1;
+    };
+    Ctx match{0, 3, 0, {}};
+    EXPECT_EQ(CLex_ScanSegment(clex(lex), wal, "x", cb, &match), 1);
+    EXPECT_EQ(match.words, (std::vector<std::string>{"walk", "walked", "walking"}));
+    Ctx over{0, 3, -1, {}};
+    EXPECT_EQ(CLex_ScanSegment(clex(lex), wal, "x", cb, &over), 0);
+    EXPECT_EQ(over.seen, 3);
+    Ctx all{0, 99, 0, {}};
+    EXPECT_EQ(CLex_ScanSegment(clex(lex), wal, "x", cb, &all), 0);
+    EXPECT_EQ(all.seen, 5);
+}
+
+// The eight spellings of a key, in their order: all small, first capital,
+// second, first two, third, first and third, second and third, all capitals.
+TEST_F(ClexFile, CaseBlindLookupTriesTheKeyPatternsInOrder)
+{
+    const char *keys[8] = {"abc", "Abc", "aBc", "ABc", "abC", "AbC", "aBC", "ABC"};
+    // each pattern alone is found, from a word in any case
+    for (int p = 0; p < 8; p++) {
+        std::string word = std::string(keys[p]) + "de";
+        int16_t lex = open(clexb::fileOfWords(0x616D, {word}));
+        ASSERT_GE(lex, 0);
+        caseSensitive(false);
+        EXPECT_EQ(find(lex, "abcDE"), 'i') << keys[p];
+        EXPECT_EQ(find(lex, "ABCde"), 'i') << keys[p];
+        EXPECT_EQ(find(lex, "abcdf"), ORTO_NotFound) << keys[p];
+        caseSensitive(true);
+        EXPECT_EQ(find(lex, word.c_str()), 'i');
+        EXPECT_EQ(find(lex, "abcde"), p == 0 ? 'i' : ORTO_NotFound) << keys[p];
+        ORTO_CloseLex(sid, lex);
+    }
+
+    // all eight present: a miss loads them in pattern order
+    std::vector<std::string> words;
+    for (const char *k : keys)
+        words.push_back(std::string(k) + "x");
+    std::sort(words.begin(), words.end());
+    int16_t lex = open(clexb::fileOfWords(0x616D, words));
+    ASSERT_GE(lex, 0);
+    caseSensitive(false);
+    EXPECT_EQ(find(lex, "abcy"), ORTO_NotFound);
+    for (int p = 1; p < 8; p++)
+        EXPECT_LT(segment(lex, keys[p - 1])->lastUse, segment(lex, keys[p])->lastUse) << p;
+    // a hit stops at the first pattern whose segment holds the word
+    ORTO_CloseLex(sid, lex);
+    lex = open(clexb::fileOfWords(0x616D, {"ABcd", "Abcd", "abCd"}));
+    ASSERT_GE(lex, 0);
+    EXPECT_EQ(find(lex, "abcd"), 'i');
+    EXPECT_NE(segment(lex, "Abc")->text, nullptr);
+    EXPECT_EQ(segment(lex, "ABc")->text, nullptr);
+    EXPECT_EQ(segment(lex, "abC")->text, nullptr);
+}
+
+TEST_F(ClexFile, ShortWordsAndNonLetterKeys)
+{
+    int16_t lex = open(clexb::fileOfWords(0x616D, {"3rd", "3rds", "Paris", "a", "of"}));
+    ASSERT_GE(lex, 0);
+    caseSensitive(true);
+    EXPECT_EQ(find(lex, "a"), 'i');
+    EXPECT_EQ(find(lex, "A"), ORTO_NotFound);
+    EXPECT_EQ(find(lex, "OF"), ORTO_NotFound);
+    EXPECT_EQ(find(lex, "Paris"), 'i');
+    EXPECT_EQ(find(lex, "paris"), ORTO_NotFound);
+    EXPECT_EQ(find(lex, "3rd"), 'i');
+    EXPECT_EQ(find(lex, "3RDS"), ORTO_NotFound);
+    caseSensitive(false);
+    EXPECT_EQ(find(lex, "A"), 'i');
+    EXPECT_EQ(find(lex, "Of"), 'i');
+    EXPECT_EQ(find(lex, "PARIS"), 'i');
+    EXPECT_EQ(find(lex, "3RDS"), 'i');
+    EXPECT_EQ(find(lex, "3rdx"), ORTO_NotFound);
+    // longer than any stored word can be: not found, no error
+    std::string longWord = "Paris" + std::string(70, 's');
+    EXPECT_EQ(find(lex, longWord.c_str()), ORTO_NotFound);
+    caseSensitive(true);
+    EXPECT_EQ(find(lex, longWord.c_str()), ORTO_NotFound);
+}
+
+static std::string folded(std::string s)
+{
+    for (char &c : s)
+        c = (char)ToLower((unsigned char)c);
+    return s;
+}
+
+// Encodes `words` (sorted), then holds the reader to the plain definition:
+// the walk yields the list, and each probe is found exactly when it is in
+// the list, case-blind when it is there in some case.  The scanner skips
+// records it can tell apart without decoding them; this checks it on many
+// shapes of segment.
+static void expectReadsBack(ClexFile &t, const std::vector<std::string> &words,
+                            const std::vector<std::string> &simple,
+                            const std::vector<std::string> &extended,
+                            const std::vector<std::string> &probes)
+{
+    int16_t lex = t.open(clexb::fileOfWords(0x616D, words, simple, extended));
+    ASSERT_GE(lex, 0);
+    CLex *c = t.clex(lex);
+    std::vector<std::string> walked;
+    for (u32 i = 0; i < c->segmentCount; i++) {
+        if (c->segments[i]->key[2]) {
+            ASSERT_EQ(loadSeg(c, c->segments[i]), 0);
+        }
+        for (const std::string &w : wordsOf(c, c->segments[i]))
+            walked.push_back(w);
+    }
+    EXPECT_EQ(walked, words);
+    std::set<std::string> exact(words.begin(), words.end()), blind;
+    for (const std::string &w : words)
+        blind.insert(folded(w));
+    for (const std::string &w : probes) {
+        t.caseSensitive(true);
+        EXPECT_EQ(t.find(lex, w.c_str()), exact.count(w) ? 'i' : ORTO_NotFound) << w;
+        t.caseSensitive(false);
+        EXPECT_EQ(t.find(lex, w.c_str()), blind.count(folded(w)) ? 'i' : ORTO_NotFound) << w;
+    }
+    ORTO_CloseLex(t.sid, lex);
+}
+
+TEST_F(ClexFile, RandomListsReadBackExactly)
+{
+    std::mt19937 rng(12345);
+    const std::vector<std::string> simple = {"s", "ing", "ed", "es", "er", "ly", ""};
+    const std::vector<std::string> extended = {"ation", "ness", "ment", "able"};
+    const std::string alphabet = "abAB'- \xe9\xc9";
+    auto pick = [&](size_t n) { return (size_t)(rng() % n); };
+    for (int round = 0; round < 12; round++) {
+        std::set<std::string> set;
+        size_t n = 1 + pick(400);
+        while (set.size() < n) {
+            std::string w = "ab" + std::string(1, alphabet[pick(3)]);
+            size_t len = pick(round % 3 == 0 ? 60 : 8);
+            for (size_t i = 0; i < len; i++)
+                w += alphabet[pick(alphabet.size())];
+            if (pick(3) == 0)
+                w += pick(2) ? simple[pick(simple.size())] : extended[pick(extended.size())];
+            if (w.size() <= 63)
+                set.insert(w);
+        }
+        std::vector<std::string> words(set.begin(), set.end()), probes;
+        for (int i = 0; i < 600; i++) {
+            std::string w = words[pick(words.size())];
+            size_t at = pick(w.size() + 1);
+            switch (i % 4) { // the word, or a neighbour: a byte changed, cut or added
+            case 1: if (at < w.size()) w[at] = alphabet[pick(alphabet.size())]; break;
+            case 2: w = w.substr(0, at); break;
+            case 3: w.insert(at, 1, alphabet[pick(alphabet.size())]); break;
+            }
+            probes.push_back(w);
+        }
+        expectReadsBack(*this, words, simple, extended, probes);
+    }
+}
+
+// The shapes that the fast skipping has to get right: shared counts of 0x20
+// and more (long words that differ late), extended suffixes whose numbers
+// look like codes (below 0x20), records of every length, across the
+// 64-byte windows at every offset.
+TEST_F(ClexFile, LongSharedCountsAndExtendedNumbers)
+{
+    std::vector<std::string> extended;
+    for (int i = 0; i < 40; i++)
+        extended.push_back({(char)('A' + i % 26), (char)('a' + i / 26), 'x'});
+    std::sort(extended.begin(), extended.end());
+    std::mt19937 rng(99);
+    auto pick = [&](size_t n) { return (size_t)(rng() % n); };
+    for (int round = 0; round < 30; round++) {
+        std::set<std::string> set;
+        std::string stem = "key" + std::string(20 + pick(38), 'm');
+        while (set.size() < 150) {
+            std::string w;
+            switch (pick(4)) {
+            case 0: w = stem.substr(0, 3 + pick(stem.size() - 2)) + (char)('a' + pick(26)); break;
+            case 1: w = "key" + std::string(1, (char)('a' + pick(3))) + extended[pick(32)]; break;
+            case 2: w = "key" + extended[pick(extended.size())]; break;
+            default: w = "key" + std::string(pick(4), (char)('a' + pick(26)));
+            }
+            if (w.size() <= 63)
+                set.insert(w);
+        }
+        std::vector<std::string> words(set.begin(), set.end()), probes;
+        for (const std::string &w : words)
+            for (std::string p : {w, w + "a", w.substr(0, w.size() - 1)}) {
+                probes.push_back(p);
+                for (char &c : p)
+                    c = (char)ToUpper((unsigned char)c);
+                probes.push_back(p);
+            }
+        expectReadsBack(*this, words, {"s"}, extended, probes);
+    }
+}
+
+// Three segments of 10, 10 and 14 bytes.
+static std::string threeSegments()
+{
+    std::vector<clexb::Seg> segs = {
+        {"aaa", std::string("\0bcdefghi\0", 10)},
+        {"bbb", std::string("\0bcdefghi\0", 10)},
+        {"ccc", std::string("\0bcdefghijklm\0", 14)},
+    };
+    return clexb::file(0x616D, segs);
+}
+
+TEST_F(ClexFile, BudgetBoundsTheLongestSegment)
+{
+    EXPECT_GE(open(threeSegments(), 14), 0);
+    DebugCapture log;
+    EXPECT_EQ(open(threeSegments(), 13), ORTO_OutOfMemory);
+    EXPECT_TRUE(log.has(dir.file("lex.clx") + ": segment size 14 > budget 13"));
+    int16_t lex = open(threeSegments(), 0);
+    ASSERT_GE(lex, 0);
+    for (const char *w : {"aaabcdefghi", "bbbbcdefghi", "cccbcdefghijklm"})
+        EXPECT_EQ(find(lex, w), 'i') << w;
+    for (const char *k : {"aaa", "bbb", "ccc"})
+        EXPECT_NE(segment(lex, k)->text, nullptr) << k;
+}
+
+TEST_F(ClexFile, EvictsTheLeastRecentlyUsed)
+{
+    int16_t lex = open(threeSegments(), 24);
+    ASSERT_GE(lex, 0);
+    CLex *c = clex(lex);
+    EXPECT_EQ(find(lex, "aaabcdefghi"), 'i'); // A
+    EXPECT_EQ(find(lex, "bbbbcdefghi"), 'i'); // B
+    EXPECT_EQ(c->budgetLeft, 4u);
+    uint32_t loads = c->fileLoads;
+    EXPECT_EQ(find(lex, "aaabcdefghi"), 'i'); // A again: a hit, no file
+    EXPECT_EQ(c->fileLoads, loads);
+    EXPECT_EQ(find(lex, "cccbcdefghijklm"), 'i'); // C: B goes
+    EXPECT_NE(segment(lex, "aaa")->text, nullptr);
+    EXPECT_EQ(segment(lex, "bbb")->text, nullptr);
+    EXPECT_NE(segment(lex, "ccc")->text, nullptr);
+    EXPECT_EQ(c->budgetLeft, 0u);
+    EXPECT_EQ(c->fileLoads, loads + 1);
+
+    // resident segments answer without their file; others can't be read
+    remove(dir.file("lex.clx").c_str());
+    DebugCapture log;
+    EXPECT_EQ(find(lex, "aaabcdefghi"), 'i');
+    EXPECT_EQ(find(lex, "cccbcdefghijklm"), 'i');
+    EXPECT_EQ(find(lex, "bbbbcdefghi"), ORTO_OpenError);
+    EXPECT_TRUE(log.has("loadSeg: error opening " + dir.file("lex.clx")));
+    // what was evicted for the failed load stays evicted; the rest is sound
+    EXPECT_EQ(segment(lex, "bbb")->text, nullptr);
+    EXPECT_EQ(segment(lex, "aaa")->text, nullptr);
+    EXPECT_EQ(c->budgetLeft, 10u);
+}
+
+TEST_F(ClexFile, SectionsAndLayoutVariants)
+{
+    std::vector<clexb::Seg> segs = clexb::encodeWords({"cat", "cats", "dog"});
+    std::string s1 = section(1, be32(0x6272)), s2 = section(2, be32(1));
+    std::string s3 = section(3, clexb::tables({}, {}));
+    std::string s5 = section(5, clexb::textPayload(segs)), s4 = section(4, clexb::directory(segs));
+
+    // an unknown section anywhere is skipped
+    int16_t lex = open(clexb::magic() + s1 + section(77, "whatever") + s2 + s3 + s5 +
+                       section(0, "") + s4 + section(6, std::string(40, '\xff')));
+    ASSERT_GE(lex, 0);
+    EXPECT_EQ(find(lex, "cats"), 'i');
+    uint16_t language = 0;
+    ORTO_GetLexInfo(sid, lex, nullptr, nullptr, &language);
+    EXPECT_EQ(language, 0x6272);
+
+    // directory before the text; no language section: American English
+    lex = open(clexb::magic() + s2 + s3 + s4 + s5);
+    ASSERT_GE(lex, 0);
+    EXPECT_EQ(find(lex, "dog"), 'i');
+    ORTO_GetLexInfo(sid, lex, nullptr, nullptr, &language);
+    EXPECT_EQ(language, ORTO_LangAmerican);
+
+    // empty lexicon
+    lex = open(clexb::file(0x616D, {}));
+    ASSERT_GE(lex, 0);
+    EXPECT_EQ(clex(lex)->segmentCount, 0u);
+    EXPECT_EQ(find(lex, "cat"), ORTO_NotFound);
+    caseSensitive(false);
+    EXPECT_EQ(find(lex, "a"), ORTO_NotFound);
+}
+
+// Files that aren't compressed lexicons take the text path.
+TEST_F(ClexFile, NotCompressedIsText)
+{
+    const std::string cases[] = {
+        "W",                                     // one byte
+        std::string("W\0", 2),                  // two
+        std::string("W\x00\x05\x02zzzz", 8),     // other magic
+        clexb::magic() + std::string("\0\0\0\1\0\0", 6), // header cut in its length
+        clexb::magic() + std::string("\0\0", 2),         // header cut in its id
+    };
+    for (const std::string &bytes : cases) {
+        int16_t lex = open(bytes);
+        ASSERT_GE(lex, 0);
+        uint16_t format = 9;
+        ORTO_GetLexInfo(sid, lex, nullptr, &format, nullptr);
+        EXPECT_EQ(format, ORTO_LexText);
+        ORTO_CloseLex(sid, lex);
+    }
+    DebugCapture log;
+    int16_t lex = open(clexb::magic() + std::string("\0\0\0\1\0\0", 6));
+    EXPECT_GE(lex, 0);
+    EXPECT_TRUE(log.has(dir.file("lex.clx") + ": error reading section length"));
+    // the magic alone is an empty compressed lexicon
+    lex = open(clexb::magic());
+    ASSERT_GE(lex, 0);
+    uint16_t format = 9;
+    ORTO_GetLexInfo(sid, lex, nullptr, &format, nullptr);
+    EXPECT_EQ(format, ORTO_LexCompressed);
+    EXPECT_EQ(ORTO_OpenLex(sid, dir.file("missing.clx").c_str(), 0), ORTO_FileOpenError);
+}
+
+// Damaged files: refused at open with a stated code and message.
+TEST_F(ClexFile, DamagedFilesAreRefused)
+{
+    std::vector<clexb::Seg> segs = clexb::encodeWords({"cat", "cats", "dog"});
+    std::string s1 = section(1, be32(0x616D)), s2 = section(2, be32(1));
+    std::string s3 = section(3, clexb::tables({"s"}, {}));
+    std::string s5 = section(5, clexb::textPayload(segs)), s4 = section(4, clexb::directory(segs));
+    std::string m = clexb::magic();
+    auto dirOf = [](std::vector<std::string> records) {
+        std::string d = be32((uint32_t)records.size());
+        for (auto &r : records)
+            d += r;
+        return section(4, d);
+    };
+    struct Case {
+        std::string bytes;
+        int16_t code;
+        std::string message; // behind "<file>: "
+    };
+    const Case cases[] = {
+        {m + s1 + section(2, be32(2)) + s3 + s5 + s4, ORTO_Unsupported, "Unicode lexicon not supported"},
+        {m + s1 + section(2, be32(3)) + s3 + s5 + s4, ORTO_BadFormat, "character size 3 not supported"},
+        {m + s1 + s3 + s2 + s5 + s4, ORTO_BadFormat, "suffix tables before character size"},
+        {m + s1 + s2 + section(3, be32(70000) + std::string(70004, 'x')) + s5 + s4, ORTO_OutOfMemory,
+         "simple suffix table too large (70000)"},
+        {m + s1 + s2 + section(3, be32(0) + be32(65536)) + s5 + s4, ORTO_OutOfMemory,
+         "extended suffix table too large (65536)"},
+        {m + s1 + s2 + be32(3) + be32(20) + be32(60000) + "abc", ORTO_BadFormat,
+         "section 3 runs past the end of the file"},
+        {m + s1 + s2 + be32(3) + be32(9) + be32(60000) + "abcde", ORTO_ReadError, "read error"},
+        {m + s1 + s2 + s3 + s5 + section(4, be32(0x10001)), ORTO_OutOfMemory, "too many segments (1)"},
+        {m + s1 + s2 + s3 + s5 + section(4, be32(60000) + std::string(22, 'a')), ORTO_ReadError,
+         "read error"},
+        {m + s1 + s2 + s3 + s5 + dirOf({"cat" + be32(0) + be32(1000)}), ORTO_BadFormat,
+         "segment 0 lies outside the segment text"},
+        {m + s1 + s2 + s3 + s5 + dirOf({"cat" + be32(0xFFFFFFF0u) + be32(0x20)}), ORTO_BadFormat,
+         "segment 0 lies outside the segment text"},
+        {m + s1 + s2 + s3 + dirOf({"cat" + be32(0) + be32(2)}), ORTO_BadFormat,
+         "segment 0 lies outside the segment text"},
+        {m + s1 + s2 + s3 + s5 + dirOf({"dog" + be32(0) + be32(2), "cat" + be32(2) + be32(2)}),
+         ORTO_BadFormat, "directory out of order at segment 1"},
+        {m + s1 + s2 + s3 + s5 + dirOf({"cat" + be32(0) + be32(2), "cat" + be32(2) + be32(2)}),
+         ORTO_BadFormat, "directory out of order at segment 1"},
+        {m + s1 + s2 + s3 + s3 + s5 + s4, ORTO_BadFormat, "section 3 twice"},
+        {m + s1 + s2 + s3 + s5 + s4 + s4, ORTO_BadFormat, "section 4 twice"},
+        {m + s1 + s2 + s3 + be32(5) + be32(1000), ORTO_BadFormat,
+         "section 5 runs past the end of the file"},
+        {m + s1 + s2 + s3 + s5 + be32(4) + be32(2) + std::string(2, '\0'), ORTO_ReadError, "read error"},
+        {m + s1 + s2 + s3 + s5 + be32(4), ORTO_BadFormat, "error reading section length"},
+        {m + be32(1) + be32(4) + "\0a", ORTO_BadFormat, "section 1 runs past the end of the file"},
+    };
+    for (const Case &c : cases) {
+        DebugCapture log;
+        EXPECT_EQ(open(c.bytes), c.code) << c.message;
+        EXPECT_TRUE(log.has(dir.file("lex.clx") + ": " + c.message)) << c.message;
+    }
+}
+
+// Damaged segment text: the lookup that meets it gets ORTO_BadFormat, other
+// segments stay readable, and no decoder leaves its buffers.
+TEST_F(ClexFile, DamagedSegmentsCantBeRead)
+{
+    const std::string good("\0k\0", 3);
+    const std::string bad[] = {
+        std::string("\0k\0\x05x\0", 6),         // shared count beyond the word before
+        std::string("\x01k\0", 3),              // first word shares with nothing
+        std::string("\0", 1) + std::string(61, 'x') + std::string("\0", 1), // 64 characters
+        std::string("\0xxxxxxxxxx\x02", 12) + std::string("\x0a", 1) + std::string(42, 'y') +
+            std::string("\x02", 1), // suffix passes 63
+        std::string("\0k\x09", 3),              // simple suffix 7 of 1
+        std::string("\0k\x01\x05", 4),          // extended suffix 5 of 0
+        std::string("\0k\x01", 3),              // extended number cut off
+        std::string("\0kkk", 4),                // record runs past the segment
+        std::string("\0", 1),                   // only a shared count
+    };
+    for (const std::string &text : bad) {
+        std::vector<clexb::Seg> segs = {{"abc", good}, {"wal", text}};
+        std::string bytes = clexb::magic() + section(1, be32(0x616D)) + section(2, be32(1)) +
+                            section(3, clexb::tables({"sssssssss"}, {})) +
+                            section(5, clexb::textPayload(segs)) + section(4, clexb::directory(segs));
+        int16_t lex = open(bytes);
+        ASSERT_GE(lex, 0);
+        DebugCapture log;
+        caseSensitive(true);
+        EXPECT_EQ(find(lex, "walk"), ORTO_BadFormat);
+        EXPECT_TRUE(log.has("loadSeg: damaged segment in " + dir.file("lex.clx")));
+        caseSensitive(false);
+        EXPECT_EQ(find(lex, "WALK"), ORTO_BadFormat);
+        EXPECT_EQ(segment(lex, "wal")->text, nullptr);
+        EXPECT_EQ(find(lex, "abck"), 'i');
+        // the word check counts it as not found there
+        EXPECT_EQ(ORTO_CheckWord(sid, "walk", nullptr, 0) & ORTO_MisspelledWord, ORTO_MisspelledWord);
+
+        // the decoders on the raw text, as if it had been let in
+        CLexSegment raw = *segment(lex, "wal");
+        raw.text = (unsigned char *)text.data();
+        EXPECT_EQ(CLex_ScanSegment(clex(lex), &raw, "walq", nullptr, nullptr), 0);
+        EXPECT_EQ(CLex_ScanSegment(clex(lex), &raw, "walq", CLex_MatchNoCase, nullptr), 0);
+        CLexCursor cur;
+        CLex_StartSegment(&cur, clex(lex), &raw);
+        int n = 0;
+        while (CLex_NextWord(&cur))
+            n++;
+        EXPECT_EQ(cur.damaged, 1);
+        EXPECT_LE(n, 1);
+        ORTO_CloseLex(sid, lex);
+    }
+}
+
+TEST_F(ClexFile, FileCutAfterOpening)
+{
+    std::string bytes = clexb::fileOfWords(0x616D, {"cat", "cats", "dog", "dogs"});
+    int16_t lex = open(bytes);
+    ASSERT_GE(lex, 0);
+    // the text of dog lies at the end of section 5; cut the file inside it
+    size_t cut = clex(lex)->textOffset + segment(lex, "dog")->offset + 1;
+    writeFile(dir.file("lex.clx"), bytes.substr(0, cut));
+    DebugCapture log;
+    EXPECT_EQ(find(lex, "dogs"), ORTO_BadFormat);
+    EXPECT_TRUE(log.has("loadSeg: read error"));
+    EXPECT_EQ(find(lex, "cats"), 'i');
+}
+
+// The bundled lexicon that the build makes from data/en-US.txt: every word
+// of the list is found, exactly and case-blind, and the walk gives the list
+// back in order.
+TEST(ClexBundled, EveryListedWordIsFound)
+{
+    std::string path = std::string(ORTO_BINARY_DIR) + "/data/en-US.clx";
+    std::string list = readFile(std::string(ORTO_SOURCE_DIR) + "/data/en-US.txt");
+    if (!fileExists(path) || list.empty())
+        GTEST_SKIP() << "no bundled lexicon at " << path;
+    std::vector<std::string> words;
+    for (size_t at = 0; at < list.size();) {
+        size_t end = list.find("\r\n", at);
+        if (end == std::string::npos)
+            end = list.size();
+        std::string w = list.substr(at, end - at);
+        if (!w.empty() && w[0] != '#')
+            words.push_back(w);
+        at = end + 2;
+    }
+    CLex c{};
+    ASSERT_EQ(CLex_Open(path.c_str(), 0, &c), 0);
+    size_t missing = 0, missingNoCase = 0;
+    for (const std::string &w : words) {
+        missing += CLex_Find(w.c_str(), 1, &c) != 'i';
+        std::string upper = w;
+        for (char &ch : upper)
+            ch = (char)ToUpper((unsigned char)ch);
+        missingNoCase += CLex_Find(upper.c_str(), 0, &c) != 'i';
+    }
+    EXPECT_EQ(missing, 0u);
+    EXPECT_EQ(missingNoCase, 0u);
+    std::vector<std::string> walked;
+    for (u32 i = 0; i < c.segmentCount; i++) {
+        CLexSegment *seg = c.segments[i];
+        if (seg->key[2]) {
+            ASSERT_EQ(loadSeg(&c, seg), 0);
+        }
+        for (const std::string &w : wordsOf(&c, seg))
+            walked.push_back(w);
+    }
+    EXPECT_TRUE(walked == words) << walked.size() << " words walked, " << words.size() << " listed";
+    CLex_Close(&c);
+}

@@ -114,7 +114,8 @@ typedef i32 (*CLexScanCallback)(const char *word, const char *decoded, void *con
 /* Decodes the words of a resident segment in order.  With a null callback,
  * compares them with `word` exactly and stops once the order has passed
  * it.  1 when stopped by a match, else 0.  A segment whose text is not
- * resident, or is damaged, gives 0. */
+ * resident or is damaged gives 0, and so does one whose key is a whole
+ * word (third key byte NUL): such a key is read from the directory. */
 i16 CLex_ScanSegment(const CLex *clex, const CLexSegment *segment, const char *word,
                      CLexScanCallback callback, void *context);
 
@@ -153,7 +154,6 @@ const char *CLex_NextWord(CLexCursor *cursor);
 /* 1 when the text decodes cleanly to its end under the clex's suffix
  * tables: no record passes the segment or the 63-character word, no suffix
  * number passes its table, no shared count passes the word before. */
-int CLex_CheckSegmentText(const CLex *clex, const char *key, const unsigned char *text,
-                          u32 length);
+int CLex_CheckSegmentText(const CLex *clex, const unsigned char *text, u32 length);
 
 #endif

@@ -88,7 +88,7 @@ i16 loadSeg(CLex *clex, CLexSegment *segment)
     fileClose(handle);
     /* a key of one or two characters is the word; its text is never decoded */
     if (segment->key[2] != 0 &&
-        !CLex_CheckSegmentText(clex, segment->key, segment->text, segment->length)) {
+        !CLex_CheckSegmentText(clex, segment->text, segment->length)) {
         DebugLog("loadSeg: damaged segment in %s", clex->fileName);
         return dropText(segment, -1, ORTO_BadFormat);
     }

@@ -82,9 +82,8 @@ static const unsigned char *decodeRecord(const CLex *clex, const unsigned char *
     }
 }
 
-int CLex_CheckSegmentText(const CLex *clex, const char *key, const unsigned char *text, u32 length)
+int CLex_CheckSegmentText(const CLex *clex, const unsigned char *text, u32 length)
 {
-    (void)key;
     char tail[MaxTail + 1];
     u16 tailLength = 0;
     const unsigned char *p = text;

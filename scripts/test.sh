@@ -15,3 +15,6 @@ bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE=ON -DO
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:halt_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir build-asan --output-on-failure -j"$jobs"
+
+echo "== fuzzing the compressed lexicon reader for 60 s"
+bash scripts/fuzz.sh 60

@@ -25,6 +25,7 @@
 #include "lexicon/clex.h"
 #include "lexicon/clex_format.h"
 #include "suggest/suggest.h"
+#include "suggest/typo_step.h"
 
 /* Past the rest of a record whose shared count is read; null when the
  * record runs past the segment. */
@@ -85,6 +86,71 @@ static const unsigned char *decodeTail(const CLex *clex, const unsigned char *p,
     }
 }
 
+/* The states of the last run, by candidate position. */
+struct TypoTrail {
+    i16 wordAt[WordSize];   /* word cursor when the candidate cursor stood there; -1: stepped over */
+    i32 pointsAt[WordSize]; /* points at that moment */
+    i32 length;             /* positions recorded by the last run */
+};
+
+/*
+ * The measure, in points, of a candidate that shares its first `common`
+ * characters with the candidate of the run recorded in `trail`.  The state
+ * at the top of the measure's loop with the candidate cursor on position j
+ * (word cursor and points) depends on the candidate's characters 0..j
+ * alone, so the run takes up the last recorded state below `common` and
+ * records from there on.  A run that can no longer keep `minPoints` gives
+ * a value below them; if that is known from the candidate's characters
+ * 0..j alone, *cutAt is j, and every candidate that shares them is out too.
+ */
+static inline i32 runTrail(const unsigned char *word, i32 wordLength, const unsigned char *cand,
+                           i32 candLength, i32 full, i32 minPoints, TypoTrail *trail, i32 common,
+                           i32 *cutAt)
+{
+    i32 j = (common < trail->length ? common : trail->length) - 1;
+    while (j >= 0 && trail->wordAt[j] < 0)
+        j--;
+    i32 wi = 0, ci = 0, points = full;
+    if (j >= 0) {
+        wi = trail->wordAt[j];
+        ci = j;
+        points = trail->pointsAt[j];
+    }
+    for (;;) {
+        trail->wordAt[ci] = (i16)wi;
+        trail->pointsAt[ci] = points;
+        trail->length = ci + 1;
+        unsigned wc = word[wi];
+        /* a pair of two letters costs 40 or more whatever follows, and so
+         * does a candidate character left over: c[ci] is all that counts */
+        if (points < minPoints ||
+            (points - 40 < minPoints && (!wc || baseLetter[wc] != baseLetter[cand[ci]]))) {
+            *cutAt = ci;
+            return minPoints - 1;
+        }
+        /* what is left of the two differs in length by d: 40 * d more; as
+         * this depends on the whole candidate, it rules out no other */
+        i32 d = (wordLength - wi) - (candLength - ci);
+        if (points - 40 * (d < 0 ? -d : d) < minPoints) {
+            *cutAt = -1;
+            return minPoints - 1;
+        }
+        if (!wc)
+            break;
+        const unsigned char *w = word + wi, *c = cand + ci;
+        typoStep(w, c, points);
+        i32 next = (i32)(c - cand) + 1;
+        if (next == ci + 2)
+            trail->wordAt[ci + 1] = -1; /* stepped over */
+        wi = (i32)(w - word) + 1;
+        ci = next;
+        if (!cand[ci])
+            break;
+    }
+    *cutAt = -1;
+    return points - 40 * (candLength - ci) - 40 * (wordLength - wi);
+}
+
 void walkSegmentTypo(const CLex *clex, const CLexSegment *segment, const ScoreProbe *probe,
                      SuggestionList *list, i16 lowestFloor)
 {
@@ -141,8 +207,9 @@ void walkSegmentTypo(const CLex *clex, const CLexSegment *segment, const ScorePr
             continue;
 
         i32 cutAt;
-        i32 points = typoRunTrail(probe->word, wordLength, word, length, full, minPoints, &trail,
-                                  common, &cutAt);
+        i32 points = runTrail((const unsigned char *)probe->word, wordLength,
+                              (const unsigned char *)word, length, full, minPoints, &trail, common,
+                              &cutAt);
         common = length;
         sealed = cutAt >= 0 ? cutAt + 1 : INT32_MAX;
         if (points >= minPoints)

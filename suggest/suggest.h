@@ -85,22 +85,30 @@ inline i32 typoPointsToBeat(i32 full, i16 floor)
 
 /* Bounded forms, exact above `floor`, 0 at or below it. */
 i16 typoScoreAbove(const char *word, i16 wordLength, const char *candidate, i16 floor);
+/* The walk of typoScore at the top of its loop: cursor positions in the
+ * word and the candidate, and the points kept so far. */
+struct TypoState {
+    i16 w;      /* word cursor */
+    i16 c;      /* candidate cursor */
+    i32 points; /* points kept */
+};
+/* Runs the loop on from `state` and stops at the first top of it where the
+ * candidate cursor is at `candStop` or beyond, or when the word or the
+ * candidate has ended, or the points are below `minPoints`.  The state at
+ * a top of the loop depends on the candidate's characters up to the cursor
+ * and no further. */
+void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
+                 i32 candStop);
 /* A lower bound of the points typoScore takes off any candidate that
- * begins with the three characters of `key` (which needs no NUL). */
+ * begins with the three characters of `key` (which needs no NUL); the
+ * second form starts from a state of a run on `key` that stands before its
+ * second character's decision is made (as typoAdvance with candStop 1
+ * leaves it). */
 i32 typoPrefixCost(const char *word, i16 wordLength, const char *key);
+i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state);
 bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 floor);
 i16 phoneticScoreAbove(const ScoreProbe *probe, const char *candidate, i16 floor);
 
-/* The states of one typographical run, by candidate position, so that the
- * next candidate of a sorted run of words can take up where its shared
- * beginning ends (see typoRunTrail). */
-struct TypoTrail {
-    i16 wordAt[WordSize];   /* word cursor at each candidate position; -1: stepped over */
-    i32 pointsAt[WordSize]; /* points at that moment */
-    i16 length;             /* positions recorded by the last run */
-};
-i32 typoRunTrail(const char *word, i32 wordLength, const char *candidate, i32 candLength,
-                 i32 full, i32 minPoints, TypoTrail *trail, i32 common, i32 *cutAt);
 bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
 
 /* ---- the walks ---- */

@@ -66,20 +66,22 @@ static i32 scoreCandidate(const char *word, const char *candidate, void *context
 }
 
 /* The key test of one walk: the first three characters of the word
- * against each three-character key, passed at `minScore` or more.  Under
- * the typographical measure the keys, which come sorted, go through one
- * TypoTrail: a key that shares the beginning at which the last key scored
- * was cut fails without a run. */
+ * against each three-character key, passed at `minScore` or more; and,
+ * for the typographical measure, the bound of a segment by its key.  Keys
+ * come sorted, so that many follow a key with the same first two
+ * characters; the state of both runs before the decision on the second
+ * character depends on those two alone and is kept for the next key. */
 struct KeyTest {
-    ScoreProbe probe;        /* the three characters, for other measures */
-    char wordKey[4];         /* the first three characters of the word */
-    i32 minScore;            /* 100 - depth, at most 101 */
-    bool typo;               /* the keys go through `trail` */
-    bool lengthFails;        /* typo: no three-character key passes the length test */
-    i32 full, minPoints;     /* typo: points of wordKey, and to keep */
-    TypoTrail trail;         /* typo: the run of `trailKey` */
-    char trailKey[3];        /* typo: the key last run */
-    i32 sealed;              /* typo: a key sharing this many with trailKey fails */
+    ScoreProbe probe;      /* the three characters, for other measures */
+    char wordKey[4];       /* the first three characters of the word */
+    i32 minScore;          /* 100 - depth, at most 101 */
+    bool typo;             /* typographical: the kept states serve */
+    bool lengthFails;      /* typo: no three-character key passes the length test */
+    i32 minPoints;         /* typo: points of wordKey to keep */
+    char pair[2];          /* typo: first two characters of the key last seen */
+    bool paired;           /* typo: `pair` and the states are set */
+    TypoState keyRun;      /* typo: wordKey against the key, before its second decision */
+    TypoState wordRun;     /* typo: the word against the key, likewise */
 };
 
 static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 depth)
@@ -89,14 +91,25 @@ static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 de
     test->minScore = 100 - (i32)depth;
     if (test->minScore > 101)
         test->minScore = 101; /* no key can score that much */
-    test->typo = test->probe.kind == ProbeTypo && test->minScore > 0;
+    test->typo = test->probe.kind == ProbeTypo;
     i32 length = test->probe.length;
     test->lengthFails = 3 - length > length / 2;
-    test->full = typoFullPoints(length);
-    test->minPoints = typoPointsToBeat(test->full, (i16)(test->minScore - 1));
-    test->trail.length = 0;
-    test->sealed = 4;
-    memset(test->trailKey, 0, sizeof test->trailKey);
+    test->minPoints = typoPointsToBeat(typoFullPoints(length), (i16)(test->minScore - 1));
+    test->paired = false;
+}
+
+/* `key` holds three characters and a NUL. */
+static void keyTestPair(KeyTest *test, const char *word, i16 wordLength, const char *key)
+{
+    if (test->paired && test->pair[0] == key[0] && test->pair[1] == key[1])
+        return;
+    test->pair[0] = key[0];
+    test->pair[1] = key[1];
+    test->paired = true;
+    test->keyRun = {0, 0, typoFullPoints(test->probe.length)};
+    typoAdvance(test->wordKey, key, &test->keyRun, 1, 1);
+    test->wordRun = {0, 0, typoFullPoints(wordLength)};
+    typoAdvance(word, key, &test->wordRun, 1, 1);
 }
 
 static bool keyPasses(KeyTest *test, const char *key)
@@ -107,17 +120,22 @@ static bool keyPasses(KeyTest *test, const char *key)
         return probeScore(&test->probe, key, (i16)(test->minScore - 1)) >= test->minScore;
     if (test->lengthFails)
         return false;
-    i32 common = 0;
-    while (common < 3 && key[common] == test->trailKey[common])
-        common++;
-    if (common >= test->sealed)
-        return false;
-    i32 cutAt;
-    i32 points = typoRunTrail(test->wordKey, test->probe.length, key, 3, test->full,
-                              test->minPoints, &test->trail, common, &cutAt);
-    memcpy(test->trailKey, key, 3);
-    test->sealed = cutAt >= 0 ? cutAt + 1 : 4;
+    TypoState state = test->keyRun;
+    typoAdvance(test->wordKey, key, &state, test->minPoints, WordSize);
+    i32 keyLength = key[0] ? (key[1] ? (key[2] ? 3 : 2) : 1) : 0;
+    i32 points = state.points - 40 * (keyLength - state.c) - 40 * (test->probe.length - state.w);
     return points >= test->minPoints;
+}
+
+/* typoSegmentMayScore, from the kept state of the word's run. */
+static bool segmentMayScore(const ScoreProbe *probe, const char *key, TypoState wordRun, i16 floor)
+{
+    i32 length = probe->length;
+    if (!key[1] || 3 - length > length / 2)
+        return !key[1]; /* odd key: no bound; else the length test fails them all */
+    i32 full = typoFullPoints(length);
+    return full - typoPrefixCostFrom(probe->word, probe->length, key, wordRun) >=
+           typoPointsToBeat(full, floor);
 }
 
 /* Most candidates a first look keeps count of. */
@@ -195,13 +213,16 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
             continue;
         }
         memcpy(key, segment->key, 3);
+        if (keyTest.typo)
+            keyTestPair(&keyTest, word, probe.length, key);
         if (!keyPasses(&keyTest, key))
             continue;
         i16 rc = loadSeg(clex, segment);
         if (rc < 0)
             return rc;
         i16 floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
-        if (!probeSegmentMayScore(&probe, key, floor))
+        if (keyTest.typo ? !segmentMayScore(&probe, key, keyTest.wordRun, floor)
+                         : !probeSegmentMayScore(&probe, key, floor))
             continue;
         if (probe.kind == ProbeTypo)
             walkSegmentTypo(clex, segment, &probe, list, lowestFloor);

@@ -25,47 +25,9 @@
 
 #include "engine/charclass.h"
 #include "engine/string_helpers.h"
+#include "suggest/typo_step.h"
 
 typedef const unsigned char *Cursor;
-
-/* Steps 5 to 7: the cost of the pair under the cursors, and the extra
- * step that a letter too many, too few or a swap gives.  Both cursors
- * stand on a character; the word's may be the last one. */
-__attribute__((always_inline)) static inline void typoStep(Cursor &w, Cursor &c, i32 &points)
-{
-    unsigned wc = *w, cc = *c;
-    unsigned fw = baseLetter[wc], fc = baseLetter[cc];
-    if (fw == fc) {
-        if (IsLower((unsigned char)wc) != IsLower((unsigned char)cc))
-            points -= 1;
-        unsigned lw = IsUpper((unsigned char)wc) ? wc + 32 : wc;
-        unsigned lc = IsUpper((unsigned char)cc) ? cc + 32 : cc;
-        if (lw != lc)
-            points -= 5;
-        return;
-    }
-    unsigned w1 = w[1], c1 = c[1];
-    unsigned fw1 = baseLetter[w1], fc1 = baseLetter[c1];
-    if (fw1 == fc && fc1 == fw) {
-        points -= 50;
-        if (w1)
-            w++;
-        if (c1)
-            c++;
-    } else if (fw1 == fc) {
-        points -= 40;
-        if (w1)
-            w++;
-    } else if (fc1 == fw) {
-        points -= 40;
-        if (c1)
-            c++;
-    } else if (IsVowel((unsigned char)fw) == IsVowel((unsigned char)fc)) {
-        points -= 50;
-    } else {
-        points -= 100;
-    }
-}
 
 /* Steps 4 to 8 of the walk.  Leaves the cursors where the walk left them
  * and returns the points kept.  Stops early when the points fall below
@@ -141,28 +103,47 @@ i16 typoScoreAbove(const char *word, i16 wordLength, const char *candidate, i16 
     return (i16)(points * 100 / full);
 }
 
-i32 typoPrefixCost(const char *word, i16 wordLength, const char *key)
+void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
+                 i32 candStop)
+{
+    Cursor w = (Cursor)word + state->w, c = (Cursor)candidate + state->c;
+    i32 points = state->points;
+    if (*c) {
+        for (;;) {
+            if (!*w || points < minPoints || c - (Cursor)candidate >= candStop)
+                break;
+            typoStep(w, c, points);
+            w++;
+            c++;
+            if (!*c)
+                break;
+        }
+    }
+    state->w = (i16)(w - (Cursor)word);
+    state->c = (i16)(c - (Cursor)candidate);
+    state->points = points;
+}
+
+i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state)
 {
     if (!key[0] || !key[1] || !key[2])
         return 0;
     /* the run while the candidate cursor is on the first two characters:
      * its lookahead reaches the third and no further */
-    unsigned char piece[4] = {(unsigned char)key[0], (unsigned char)key[1],
-                              (unsigned char)key[2], 0};
+    char piece[4] = {key[0], key[1], key[2], 0};
     i32 full = typoFullPoints(wordLength);
-    Cursor w = (Cursor)word, c = piece;
-    i32 points = runCursors<true>(w, c, full, 1, piece + 2);
-    i32 cost = full - points;
-    if (points >= 1 && c - piece <= 2) {
+    typoAdvance(word, piece, &state, 1, 2);
+    i32 cost = full - state.points;
+    if (state.points >= 1 && state.c <= 2) {
+        Cursor w = (Cursor)word + state.w, c = (Cursor)piece + state.c;
         if (!*w) {
-            cost += 40 * (i32)(3 - (c - piece)); /* left over, at the least */
-        } else if (c == piece + 2) {
+            cost += 40 * (3 - state.c); /* left over, at the least */
+        } else if (state.c == 2) {
             /* the third pair: the same letter costs what it costs, another
              * costs 40 or more whatever follows */
             i32 third = 0;
-            Cursor w2 = w, c2 = c;
             if (baseLetter[*w] == baseLetter[*c])
-                typoStep(w2, c2, third);
+                typoStep(w, c, third);
             else
                 third = -40;
             cost -= third;
@@ -173,6 +154,12 @@ i32 typoPrefixCost(const char *word, i16 wordLength, const char *key)
     return cost > lengthCost ? cost : lengthCost;
 }
 
+i32 typoPrefixCost(const char *word, i16 wordLength, const char *key)
+{
+    TypoState start = {0, 0, typoFullPoints(wordLength)};
+    return typoPrefixCostFrom(word, wordLength, key, start);
+}
+
 bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 floor)
 {
     if (!key[0] || !key[1] || !key[2])
@@ -181,53 +168,4 @@ bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 
         return false; /* every word of the segment fails the length test */
     i32 full = typoFullPoints(wordLength);
     return full - typoPrefixCost(word, wordLength, key) >= typoPointsToBeat(full, floor);
-}
-
-/* The whole measure, in points, for a candidate that shares its first
- * `common` characters with the candidate of the run recorded in `trail`.
- * The state at the top of the loop with the candidate cursor on position j
- * (word cursor and points) depends on the candidate's characters 0..j
- * alone, so the run takes up the last recorded state below `common` and
- * records from there on.  A run that can no longer keep `minPoints` is cut
- * and gives a value below them: *cutAt is then the candidate position of
- * the cut, and every candidate that shares characters 0..*cutAt with this
- * one is cut there too. */
-i32 typoRunTrail(const char *word, i32 wordLength, const char *candidate, i32 candLength,
-                 i32 full, i32 minPoints, TypoTrail *trail, i32 common, i32 *cutAt)
-{
-    *cutAt = -1;
-    Cursor w = (Cursor)word, c = (Cursor)candidate;
-    i32 points = full;
-    i32 j = (common < trail->length ? common : trail->length) - 1;
-    while (j >= 0 && trail->wordAt[j] < 0)
-        j--;
-    if (j >= 0) {
-        w += trail->wordAt[j];
-        c += j;
-        points = trail->pointsAt[j];
-    }
-    trail->length = 0;
-    while (*c) {
-        i32 at = (i32)(c - (Cursor)candidate);
-        trail->wordAt[at] = (i16)(w - (Cursor)word);
-        trail->pointsAt[at] = points;
-        trail->length = (i16)(at + 1);
-        /* a pair of two letters costs 40 or more whatever follows, and so
-         * does a candidate character left over: knowing c[at] is enough */
-        if (points < minPoints ||
-            (points - 40 < minPoints && (!*w || baseLetter[*w] != baseLetter[*c]))) {
-            *cutAt = at;
-            return minPoints - 1;
-        }
-        if (!*w)
-            break;
-        typoStep(w, c, points);
-        w++;
-        c++;
-        if ((i32)(c - (Cursor)candidate) == at + 2)
-            trail->wordAt[at + 1] = -1; /* stepped over */
-    }
-    points -= 40 * (candLength - (i32)(c - (Cursor)candidate));
-    points -= 40 * (wordLength - (i32)(w - (Cursor)word));
-    return points;
 }

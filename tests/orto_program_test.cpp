@@ -512,6 +512,8 @@ TEST_F(ProgramTest, PipeSpeaksIspellLineByLineAsEmacsDoes)
     EXPECT_EQ(answer(c, "^qqqqqqqq"), (std::vector<std::string>{"*"}));
     // text that begins with a command character is marked by '^'
     EXPECT_EQ(answer(c, "^*wrold"), (std::vector<std::string>{wroldLine + "2: " + wrold}));
+    // a word that would break the lexicon file is not added
+    sendLine(c, "*#tag");
     // invalid UTF-8: a note, an empty answer, and the pipe goes on
     EXPECT_EQ(answer(c, "^caf\xE9"), (std::vector<std::string>{}));
     EXPECT_EQ(answer(c, "^hello"), (std::vector<std::string>{"*"}));
@@ -519,7 +521,8 @@ TEST_F(ProgramTest, PipeSpeaksIspellLineByLineAsEmacsDoes)
     EXPECT_EQ(end.status, 0);
     EXPECT_EQ(end.out, "");
     EXPECT_EQ(end.err, "orto: ignoring unknown flag '-Z' in -a mode\n"
-                       "orto: standard input:19: invalid UTF-8 (give -i latin1 for Latin-1 text); "
+                       "orto: standard input:19: '#tag' can't be added\n"
+                       "orto: standard input:20: invalid UTF-8 (give -i latin1 for Latin-1 text); "
                        "line not checked\n");
 
     // the personal lexicon was made in the XDG folder, and keeps the words

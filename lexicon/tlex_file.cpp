@@ -25,9 +25,11 @@
 #include "orto.h"
 #include "platform/file.h"
 
-/* How long a change waits for another client's rewrite to end.  A rewrite
- * takes milliseconds; seconds mean a client stuck while holding the lock. */
-enum { LockWaitMs = 5000 };
+/* How long a change waits for other clients' rewrites to end: the same
+ * bound as the session lock.  One rewrite takes milliseconds, but a queue
+ * of clients on a slow disk (each rewrite ends in fsync) can take seconds,
+ * and polling for the lock is not first come, first served. */
+enum { LockWaitMs = 10000 };
 /* Temporary names tried before a rewrite gives up. */
 enum { TempNameTries = 100 };
 

@@ -85,20 +85,16 @@ inline i32 typoPointsToBeat(i32 full, i16 floor)
 
 /* Bounded forms, exact above `floor`, 0 at or below it. */
 i16 typoScoreAbove(const char *word, i16 wordLength, const char *candidate, i16 floor);
+i16 phoneticScoreAbove(const ScoreProbe *probe, const char *candidate, i16 floor);
+
 /* The walk of typoScore at the top of its loop: cursor positions in the
- * word and the candidate, and the points kept so far. */
+ * word and the candidate, and the points kept so far.  typoAdvance
+ * (suggest/typo_step.h) runs the loop on from such a state. */
 struct TypoState {
     i16 w;      /* word cursor */
     i16 c;      /* candidate cursor */
     i32 points; /* points kept */
 };
-/* Runs the loop on from `state` and stops at the first top of it where the
- * candidate cursor is at `candStop` or beyond, or when the word or the
- * candidate has ended, or the points are below `minPoints`.  The state at
- * a top of the loop depends on the candidate's characters up to the cursor
- * and no further. */
-void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
-                 i32 candStop);
 /* A lower bound of the points typoScore takes off any candidate that
  * begins with the three characters of `key` (which needs no NUL); the
  * second form starts from a state of a run on `key` that stands before its
@@ -106,18 +102,30 @@ void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 
  * leaves it). */
 i32 typoPrefixCost(const char *word, i16 wordLength, const char *key);
 i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state);
+/* Segment bounds: false when no word that begins with `key` can score
+ * above `floor` (typographical), or can have the word's code (phonetic). */
 bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 floor);
-i16 phoneticScoreAbove(const ScoreProbe *probe, const char *candidate, i16 floor);
-
 bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
 
 /* ---- the walks ---- */
+/* The suffix tables of a compressed lexicon as a segment walk reads them:
+ * simple suffixes first, then the extended ones, each with its length and
+ * its first characters padded to a fixed width for a copy of one piece. */
+constexpr int SuffixPad = 8;
+constexpr int SuffixRoom = 30 + 256; /* what codes 02..1F and 01 nn can name */
+struct SuffixTable {
+    u16 simpleCount;                    /* at most 30 */
+    u16 extendedCount;                  /* at most 256 */
+    const char *text[SuffixRoom];       /* into the CLex's tables */
+    unsigned char length[SuffixRoom];   /* their lengths, 255 standing for more */
+    char padded[SuffixRoom][SuffixPad]; /* their first characters, NUL-padded */
+};
+void suffixTableInit(SuffixTable *table, const CLex *clex);
 /* The typographical walk over the words of one resident segment, with
- * the bounds of ScoreProbe and TypoTrail (segment_walk.cpp).  Candidates
- * at or below `lowestFloor` are known not to matter, whatever the list's
- * own floor. */
-void walkSegmentTypo(const CLex *clex, const CLexSegment *segment, const ScoreProbe *probe,
-                     SuggestionList *list, i16 lowestFloor);
+ * the bounds of the typographical ScoreProbe (segment_walk.cpp).  Candidates at or below
+ * `lowestFloor` are known not to matter, whatever the list's own floor. */
+void walkSegmentTypo(const SuffixTable *suffixes, const CLexSegment *segment,
+                     const ScoreProbe *probe, SuggestionList *list, i16 lowestFloor);
 void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list);
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex);
 

@@ -10,20 +10,23 @@
  * under the walk's own measure; keys of one or two characters are whole
  * words and are scored as candidates.
  *
- * Each candidate is scored against the list's current floor (ScoreProbe):
- * the walk asks only whether it can still get in.  The same holds for a
- * whole segment, which is still loaded (so that a load failure and the
- * cache end up as they would without the bound) but not decoded when none
- * of its words can get in.
+ * Every candidate is scored against the list's current floor (ScoreProbe):
+ * the walk only asks whether it can still get in, which the list would
+ * otherwise refuse at its first test.  Under the typographical measure the
+ * same question is put to a whole segment, from its key, and the words of
+ * a segment that may hold one go through segment_walk.cpp; a segment that
+ * passes the key test is loaded all the same, so that a load failure and
+ * the cache come out as they would without the bounds.  Other measures
+ * decode through the scanner's callback.
  */
-#include "suggest/suggest.h"
-
 #include <string.h>
 
 #include "engine/charclass.h"
 #include "engine/string_helpers.h"
 #include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
+#include "suggest/suggest.h"
+#include "suggest/typo_step.h"
 
 /* What scoreCandidate needs; lives for one walkCLex. */
 struct WalkContext {
@@ -201,7 +204,9 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
     char key[4] = {0, 0, 0, 0};
     /* what the list will hold at least, less one: nothing at or below it counts */
     i16 lowestFloor = 0;
+    SuffixTable suffixes;
     if (probe.kind == ProbeTypo) {
+        suffixTableInit(&suffixes, clex);
         i16 estimate = estimateFloor(clex, word, &probe, &keyTest, list);
         lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
     }
@@ -225,7 +230,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
                          : !probeSegmentMayScore(&probe, key, floor))
             continue;
         if (probe.kind == ProbeTypo)
-            walkSegmentTypo(clex, segment, &probe, list, lowestFloor);
+            walkSegmentTypo(&suffixes, segment, &probe, list, lowestFloor);
         else
             CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
     }

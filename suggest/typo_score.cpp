@@ -103,27 +103,6 @@ i16 typoScoreAbove(const char *word, i16 wordLength, const char *candidate, i16 
     return (i16)(points * 100 / full);
 }
 
-void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
-                 i32 candStop)
-{
-    Cursor w = (Cursor)word + state->w, c = (Cursor)candidate + state->c;
-    i32 points = state->points;
-    if (*c) {
-        for (;;) {
-            if (!*w || points < minPoints || c - (Cursor)candidate >= candStop)
-                break;
-            typoStep(w, c, points);
-            w++;
-            c++;
-            if (!*c)
-                break;
-        }
-    }
-    state->w = (i16)(w - (Cursor)word);
-    state->c = (i16)(c - (Cursor)candidate);
-    state->points = points;
-}
-
 i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state)
 {
     if (!key[0] || !key[1] || !key[2])

@@ -8,6 +8,7 @@
 
 #include "engine/charclass.h"
 #include "engine/types.h"
+#include "suggest/suggest.h"
 
 /* The cost of the pair under the cursors, and the extra step that a letter
  * too many, too few or a swap gives.  Both cursors stand on a character;
@@ -47,6 +48,33 @@ __attribute__((always_inline)) inline void typoStep(const unsigned char *&w,
     } else {
         points -= 100;
     }
+}
+
+/* Runs the loop on from `state` and stops at the first top of it where the
+ * candidate cursor is at `candStop` or beyond, or when the word or the
+ * candidate has ended, or the points are below `minPoints`.  The state at
+ * a top of the loop depends on the candidate's characters up to the cursor
+ * and no further. */
+inline void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
+                 i32 candStop)
+{
+    const unsigned char *w = (const unsigned char *)word + state->w;
+    const unsigned char *c = (const unsigned char *)candidate + state->c;
+    i32 points = state->points;
+    if (*c) {
+        for (;;) {
+            if (!*w || points < minPoints || c - (const unsigned char *)candidate >= candStop)
+                break;
+            typoStep(w, c, points);
+            w++;
+            c++;
+            if (!*c)
+                break;
+        }
+    }
+    state->w = (i16)(w - (const unsigned char *)word);
+    state->c = (i16)(c - (const unsigned char *)candidate);
+    state->points = points;
 }
 
 #endif

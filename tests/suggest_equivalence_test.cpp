@@ -209,6 +209,8 @@ TEST(BoundedWalks, GiveTheListsOfThePlainWalks)
     std::set<std::string> lexicon;
     while (lexicon.size() < 2500)
         lexicon.insert(make.word());
+    while (lexicon.size() < 2900) /* one big segment, with long runs of records stepped over */
+        lexicon.insert("sta" + make.word());
     std::vector<std::string> words(lexicon.begin(), lexicon.end());
     std::vector<std::string> misspelled;
     for (int n = 0; n < 80; n++)
@@ -227,6 +229,21 @@ TEST(BoundedWalks, GiveTheListsOfThePlainWalks)
     writeFile(dir.file("gen.lex"), clexBytes(words));
     ASSERT_EQ(ORTO_OpenLex(packed.sid, dir.file("gen.lex").c_str(), 0), 0);
     compareRuns(packed.sid, misspelled, {0, 40, 75, 100}, {1, 5, 20});
+
+    /* the same words by the library's compressor, whose records end in
+     * suffix codes */
+    SessionHolder suffixed;
+    std::string list;
+    for (const std::string &w : words)
+        list += w + "\r\n";
+    writeFile(dir.file("words.txt"), list);
+    writeFile(dir.file("suffixes.txt"), "s\r\ning\r\ned\r\ner\r\nly\r\nte\r\nca\r\nst\r\n");
+    ASSERT_EQ(ORTO_CompressLexInit(suffixed.sid, dir.file("suffixed.lex").c_str(),
+                                   dir.file("suffixes.txt").c_str(), ORTO_LangAny, nullptr), 0);
+    ASSERT_EQ(ORTO_CompressLexFile(suffixed.sid, dir.file("words.txt").c_str(), nullptr), 0);
+    ASSERT_EQ(ORTO_CompressLexEnd(suffixed.sid), 0);
+    ASSERT_EQ(ORTO_OpenLex(suffixed.sid, dir.file("suffixed.lex").c_str(), 0), 0);
+    compareRuns(suffixed.sid, misspelled, {50}, {1, 10});
 }
 
 TEST(BoundedWalks, GiveTheListsOfThePlainWalksOnTheBundledLexicon)

@@ -330,3 +330,41 @@ TEST(SuggestCompressed, SegmentThatCantBeReadEndsTheRun)
     EXPECT_EQ(buffer[0], 0);
     EXPECT_TRUE(log.has("loadSeg: error opening " + path));
 }
+
+/* ---- ranking regression table on the bundled lexicon ---- */
+
+TEST(SuggestRanking, PlacesOfIntendedWordsHold)
+{
+    std::string lexicon = std::string(ORTO_BINARY_DIR) + "/data/en-US.clx";
+    if (!fileExists(lexicon))
+        GTEST_SKIP() << "the bundled lexicon " << lexicon << " isn't built";
+    SessionHolder s;
+    ASSERT_EQ(ORTO_OpenLex(s.sid, lexicon.c_str(), 0), 0);
+    std::string table = readFile(std::string(ORTO_SOURCE_DIR) + "/tests/data/suggest/ranking.txt");
+    ASSERT_FALSE(table.empty());
+    std::string moved;
+    int rows = 0;
+    size_t at = 0;
+    while (at < table.size()) {
+        size_t eol = table.find('\n', at);
+        std::string line = table.substr(at, eol == std::string::npos ? std::string::npos : eol - at);
+        at = eol == std::string::npos ? table.size() : eol + 1;
+        if (line.empty() || line[0] == '#')
+            continue;
+        size_t t1 = line.find('\t'), t2 = line.find('\t', t1 + 1);
+        std::string word = line.substr(0, t1), intended = line.substr(t1 + 1, t2 - t1 - 1);
+        int expected = std::stoi(line.substr(t2 + 1));
+        SuggestResult r = suggest(s.sid, word.c_str(), 50, 10);
+        ASSERT_EQ(r.rc, 0) << word;
+        int place = 0;
+        for (size_t i = 0; i < r.words.size() && !place; i++)
+            if (r.words[i] == intended)
+                place = (int)i + 1;
+        if (place != expected)
+            moved += word + " -> " + intended + ": " + std::to_string(expected) + " became " +
+                     std::to_string(place) + "\n";
+        rows++;
+    }
+    EXPECT_GT(rows, 40);
+    EXPECT_EQ(moved, "");
+}

@@ -64,6 +64,11 @@ void TLex_Close(TLex *tlex);
 i32 TLex_GetAll(TLex *tlex, char *buffer, u32 bufferSize);
 void TLex_GetSize(TLex *tlex, u32 *size);
 
+/* Index of the entry with exactly this word (binary search), or -1. */
+int64_t TLex_FindIndex(const TLex *tlex, const char *word);
+/* Heap copies of a word and its info string (action byte, other word cut
+ * to 63 characters); ORTO_OutOfMemory with nothing allocated. */
+i16 TLexEntry_Make(TLexEntry *entry, const char *word, char action, const char *otherWord);
 /* Room for n entries in the table; false when memory runs out, the table
  * then as it was. */
 bool TLexTable_Reserve(TLexTable *table, u32 n);

@@ -19,23 +19,6 @@
 
 static bool hasFile(const TLex *tlex) { return tlex->fileName[0] != 0; }
 
-/* Index of the entry with exactly this word, or -1. */
-static i32 findEntry(const TLex *tlex, const char *word)
-{
-    i32 lo = 0, hi = (i32)tlex->count - 1;
-    while (lo <= hi) {
-        i32 mid = lo + (hi - lo) / 2;
-        i16 c = StrCompare(tlex->table.base[mid].word, word);
-        if (c == 0)
-            return mid;
-        if (c < 0)
-            lo = mid + 1;
-        else
-            hi = mid - 1;
-    }
-    return -1;
-}
-
 /* Lock and bring the table in step with the file.  Returns the lock number
  * or a negative code (the lock then already given up). */
 static i16 lockAndSync(TLex *tlex, const char *lockMessage)
@@ -103,7 +86,7 @@ i16 TLex_Del(TLex *tlex, const char *word)
             unlockFile(lock);
         return ORTO_NotFound;
     }
-    i32 at = findEntry(tlex, word);
+    int64_t at = TLex_FindIndex(tlex, word);
     if (at < 0) {
         i16 rc = TLex_Remove(tlex, word); /* logs the word not found */
         if (hasFile(tlex))

@@ -89,24 +89,7 @@ static i16 appendEntry(TLex *tlex, const char *word, char action, const char *ot
         DebugLog("out of memory");
         return ORTO_OutOfMemory;
     }
-    /* info is the action byte and the other word cut to 63 characters; it
-     * is copied whole even when the action is 0, so that the other word
-     * behind it is always a string (the empty one) */
-    char info[1 + MaxOtherWord + 1];
-    info[0] = action;
-    StrCopy(info + 1, MaxOtherWord + 1, otherWord ? otherWord : "");
-    size_t infoSize = 1 + strlen(info + 1) + 1;
-    char *wordCopy = StrDup(word);
-    char *infoCopy = wordCopy ? (char *)malloc(infoSize) : nullptr;
-    if (infoCopy)
-        memcpy(infoCopy, info, infoSize);
-    if (!infoCopy) {
-        free(wordCopy);
-        DebugLog("out of memory");
-        return ORTO_OutOfMemory;
-    }
-    tlex->table.base[tlex->count].word = wordCopy;
-    tlex->table.base[tlex->count].info = infoCopy;
+    RETURN_IF_NEG(TLexEntry_Make(&tlex->table.base[tlex->count], word, action, otherWord));
     tlex->count++;
     return 0;
 }
@@ -129,6 +112,8 @@ static i16 appendLine(TLex *tlex, char *line)
  * wrote is in order already and costs one pass. */
 static void sortEntries(TLex *tlex)
 {
+    if (tlex->count < 2)
+        return; /* nothing to order, and an empty table may have no array */
     TLexEntry *first = tlex->table.base, *last = first + tlex->count;
     bool ordered = true;
     for (TLexEntry *e = first; e + 1 < last && ordered; e++)

@@ -34,8 +34,7 @@ bool TLexTable_Reserve(TLexTable *table, u32 n)
     return true;
 }
 
-/* Binary search under StrCompare; the index of the entry or -1. */
-static int64_t findExact(const TLex *tlex, const char *word)
+int64_t TLex_FindIndex(const TLex *tlex, const char *word)
 {
     int64_t lo = 0, hi = (int64_t)tlex->count - 1;
     while (lo <= hi) {
@@ -57,7 +56,7 @@ i16 TLex_Find(TLex *tlex, const char *word, int caseSensitive, char *otherWord, 
         return ORTO_NotFound;
     const TLexEntry *hit = nullptr;
     if (caseSensitive) {
-        int64_t i = findExact(tlex, word);
+        int64_t i = TLex_FindIndex(tlex, word);
         if (i >= 0)
             hit = &tlex->table.base[i];
     } else {
@@ -74,29 +73,37 @@ i16 TLex_Find(TLex *tlex, const char *word, int caseSensitive, char *otherWord, 
     return (unsigned char)hit->info[0];
 }
 
+i16 TLexEntry_Make(TLexEntry *entry, const char *word, char action, const char *otherWord)
+{
+    /* info: the action byte and the other word cut to 63 characters, copied
+     * by length rather than as a string, so that an action byte of 0 (a
+     * file line without one) still leaves the other word readable */
+    char info[1 + MaxOtherWord + 1];
+    info[0] = action;
+    StrCopy(info + 1, MaxOtherWord + 1, otherWord ? otherWord : "");
+    size_t infoSize = 1 + strlen(info + 1) + 1;
+    char *wordCopy = StrDup(word);
+    char *infoCopy = wordCopy ? (char *)malloc(infoSize) : nullptr;
+    if (!infoCopy) {
+        free(wordCopy);
+        DebugLog("out of memory");
+        return ORTO_OutOfMemory;
+    }
+    memcpy(infoCopy, info, infoSize);
+    entry->word = wordCopy;
+    entry->info = infoCopy;
+    return 0;
+}
+
 i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord)
 {
     if (!TLexTable_Reserve(&tlex->table, tlex->count + 1)) {
         DebugLog("out of memory");
         return ORTO_OutOfMemory;
     }
-    /* info: the action byte and the other word cut to 63 characters */
-    char info[1 + MaxOtherWord + 1];
-    info[0] = action;
-    StrCopy(info + 1, MaxOtherWord + 1, otherWord ? otherWord : "");
-    /* copied by length, not as a string: an action byte of 0 (a line of a
-     * file without one) still leaves the other word readable behind it */
-    size_t infoSize = 1 + strlen(info + 1) + 1;
-    char *wordCopy = StrDup(word);
-    char *infoCopy = wordCopy ? (char *)malloc(infoSize) : nullptr;
-    if (infoCopy)
-        memcpy(infoCopy, info, infoSize);
-    if (!infoCopy) {
-        /* the table is left exactly as it was */
-        free(wordCopy);
-        DebugLog("out of memory");
-        return ORTO_OutOfMemory;
-    }
+    TLexEntry entry;
+    if (TLexEntry_Make(&entry, word, action, otherWord) < 0)
+        return ORTO_OutOfMemory; /* the table is left exactly as it was */
     /* The first entry not less than the word, so a new entry goes in front
      * of an equal one.  Halving finds the same place a walk from the front
      * would, without making a file of n words cost n squared compares. */
@@ -110,15 +117,14 @@ i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord
     }
     memmove(&tlex->table.base[at + 1], &tlex->table.base[at],
             (size_t)(tlex->count - at) * sizeof(TLexEntry));
-    tlex->table.base[at].word = wordCopy;
-    tlex->table.base[at].info = infoCopy;
+    tlex->table.base[at] = entry;
     tlex->count++;
     return 0;
 }
 
 i16 TLex_Remove(TLex *tlex, const char *word)
 {
-    int64_t i = findExact(tlex, word);
+    int64_t i = TLex_FindIndex(tlex, word);
     if (i < 0) {
         DebugLog("%s not found", word);
         return ORTO_NotFound;

@@ -40,6 +40,9 @@ struct TLex {
     char fileName[PathSize];   /* path of the file; empty for a temporary lexicon */
     u16 plainList;             /* 1: the file is a word list without sentinel line */
     int64_t fileTimeNs;        /* same moment in nanoseconds, to see rewrites within a second */
+    u32 *foldIndex;            /* entry numbers in case-blind order, or null */
+    u16 foldValid;             /* 1 while foldIndex matches the table */
+    u16 foldWalks;             /* case-blind walks since the table last changed */
 };
 
 /* One open lexicon.  `body` is the TLex or the CLex, by format. */
@@ -74,5 +77,11 @@ i16 TLexEntry_Make(TLexEntry *entry, const char *word, char action, const char *
 bool TLexTable_Reserve(TLexTable *table, u32 n);
 /* Frees every entry's strings; the table itself stays. */
 void TLexTable_FreeEntries(TLex *tlex);
+/* To be called by every change to the table's entries. */
+inline void TLex_Changed(TLex *tlex)
+{
+    tlex->foldValid = 0;
+    tlex->foldWalks = 0;
+}
 
 #endif

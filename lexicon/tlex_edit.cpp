@@ -100,11 +100,13 @@ i16 TLex_Del(TLex *tlex, const char *word)
     TLexEntry *base = tlex->table.base;
     memmove(&base[at], &base[at + 1], (size_t)(tlex->count - (u32)at - 1) * sizeof(TLexEntry));
     tlex->count--;
+    TLex_Changed(tlex);
     i16 rc = hasFile(tlex) ? TLex_WriteFile(tlex) : 0;
     if (rc < 0) {
         memmove(&base[at + 1], &base[at], (size_t)(tlex->count - (u32)at) * sizeof(TLexEntry));
         base[at] = kept;
         tlex->count++;
+        TLex_Changed(tlex);
         unlockFile(lock);
         return rc;
     }

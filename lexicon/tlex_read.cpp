@@ -91,6 +91,7 @@ static i16 appendEntry(TLex *tlex, const char *word, char action, const char *ot
     }
     RETURN_IF_NEG(TLexEntry_Make(&tlex->table.base[tlex->count], word, action, otherWord));
     tlex->count++;
+    TLex_Changed(tlex);
     return 0;
 }
 
@@ -130,6 +131,7 @@ static void sortEntries(TLex *tlex)
         std::reverse(run, end);
         run = end;
     }
+    TLex_Changed(tlex);
 }
 
 i16 TLex_ReadFile(int handle, TLex *tlex)

@@ -2,14 +2,21 @@
  * tlex_table.cpp -- the sorted table of a text lexicon in memory.
  *
  * Entries stand in StrCompare order (unsigned bytes), so an exact lookup is
- * a binary search; a case-blind one walks the table from the front and so
- * meets a capitalised spelling before a small one.  Insertion finds its
+ * a binary search.  A case-blind lookup answers with the first entry in
+ * table order that matches, so a capitalised spelling is met before a small
+ * one.  It walks the table, until a table that stays unchanged has been
+ * walked a number of times: it then gets a second order, entry numbers
+ * sorted case-blind with ties in table order, whose first match is the
+ * entry the walk would find.  All-capital words of a text are looked up
+ * case-blind, so a large text lexicon would otherwise be walked for each.  Insertion finds its
  * place and moves the tail up by one entry.
  * Counters are 32 bits wide so that no walk can wrap at 65,536 entries.
  */
 #include <stdlib.h>
 #include <string.h>
 #include <time.h>
+
+#include <algorithm>
 
 #include "engine/debug_log.h"
 #include "engine/string_helpers.h"
@@ -50,6 +57,54 @@ int64_t TLex_FindIndex(const TLex *tlex, const char *word)
     return -1;
 }
 
+/* The case-blind order is made after this many walks of an unchanged
+ * table, and only for tables where a walk costs more than the sort. */
+constexpr u16 FoldWalksBeforeIndex = 16;
+constexpr u32 FoldIndexMinEntries = 64;
+
+static bool buildFoldIndex(TLex *tlex)
+{
+    u32 *index = (u32 *)realloc(tlex->foldIndex, (size_t)tlex->count * sizeof(u32));
+    if (!index)
+        return false; /* the walk still answers */
+    tlex->foldIndex = index;
+    for (u32 i = 0; i < tlex->count; i++)
+        index[i] = i;
+    const TLexEntry *base = tlex->table.base;
+    std::sort(index, index + tlex->count, [base](u32 a, u32 b) {
+        i16 c = StrCompareNoCase(base[a].word, base[b].word);
+        return c != 0 ? c < 0 : a < b;
+    });
+    tlex->foldValid = 1;
+    return true;
+}
+
+/* The first entry in table order equal to `word` under case folding. */
+static const TLexEntry *findNoCase(TLex *tlex, const char *word)
+{
+    const TLexEntry *base = tlex->table.base;
+    if (!tlex->foldValid && tlex->count >= FoldIndexMinEntries &&
+        ++tlex->foldWalks > FoldWalksBeforeIndex)
+        buildFoldIndex(tlex);
+    if (!tlex->foldValid) {
+        for (u32 i = 0; i < tlex->count; i++)
+            if (StrCompareNoCase(base[i].word, word) == 0)
+                return &base[i];
+        return nullptr;
+    }
+    u32 lo = 0, end = tlex->count;
+    while (lo < end) {
+        u32 mid = lo + (end - lo) / 2;
+        if (StrCompareNoCase(base[tlex->foldIndex[mid]].word, word) < 0)
+            lo = mid + 1;
+        else
+            end = mid;
+    }
+    if (lo < tlex->count && StrCompareNoCase(base[tlex->foldIndex[lo]].word, word) == 0)
+        return &base[tlex->foldIndex[lo]];
+    return nullptr;
+}
+
 i16 TLex_Find(TLex *tlex, const char *word, int caseSensitive, char *otherWord, i16 otherWordSize)
 {
     if (tlex->count == 0)
@@ -60,11 +115,7 @@ i16 TLex_Find(TLex *tlex, const char *word, int caseSensitive, char *otherWord, 
         if (i >= 0)
             hit = &tlex->table.base[i];
     } else {
-        for (u32 i = 0; i < tlex->count; i++)
-            if (StrCompareNoCase(tlex->table.base[i].word, word) == 0) {
-                hit = &tlex->table.base[i];
-                break;
-            }
+        hit = findNoCase(tlex, word);
     }
     if (!hit)
         return ORTO_NotFound;
@@ -119,6 +170,7 @@ i16 TLex_Insert(TLex *tlex, const char *word, char action, const char *otherWord
             (size_t)(tlex->count - at) * sizeof(TLexEntry));
     tlex->table.base[at] = entry;
     tlex->count++;
+    TLex_Changed(tlex);
     return 0;
 }
 
@@ -134,6 +186,7 @@ i16 TLex_Remove(TLex *tlex, const char *word)
     memmove(&tlex->table.base[i], &tlex->table.base[i + 1],
             (size_t)(tlex->count - (u32)i - 1) * sizeof(TLexEntry));
     tlex->count--;
+    TLex_Changed(tlex);
     return 0;
 }
 
@@ -144,6 +197,7 @@ void TLexTable_FreeEntries(TLex *tlex)
         free(tlex->table.base[i].info);
     }
     tlex->count = 0;
+    TLex_Changed(tlex);
 }
 
 i16 TLex_Create(const char *fileName, u16 language, TLex *tlex)
@@ -157,6 +211,8 @@ i16 TLex_Create(const char *fileName, u16 language, TLex *tlex)
     tlex->table.base = nullptr;
     tlex->table.capacity = 0;
     tlex->table.step = TableStep;
+    tlex->foldIndex = nullptr;
+    TLex_Changed(tlex);
     if (!TLexTable_Reserve(&tlex->table, TableInitialRequest))
         return ORTO_OutOfMemory;
     if (!tlex->fileName[0])
@@ -170,6 +226,8 @@ void TLex_Close(TLex *tlex)
     free(tlex->table.base);
     tlex->table.base = nullptr;
     tlex->table.capacity = 0;
+    free(tlex->foldIndex);
+    tlex->foldIndex = nullptr;
 }
 
 i32 TLex_GetAll(TLex *tlex, char *buffer, u32 bufferSize)

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/session.h"
+#include "engine/string_helpers.h"
 #include "lexicon/lexicon.h"
 #include "orto.h"
 #include "support/test_support.h"
@@ -208,4 +209,76 @@ TEST(TLexTable, GrowsToThirtyTwoAboveTheRequest)
     EXPECT_STREQ(t.table.base[11].info, "i");
     TLex_Close(&t);
     EXPECT_EQ(t.table.capacity, 0u);
+}
+
+namespace {
+
+// The entries in table order, from the listing: word and action.
+std::vector<std::pair<std::string, char>> entriesOf(int16_t sid, int16_t lex)
+{
+    uint32_t size = 0;
+    ORTO_GetLexInfo(sid, lex, &size, nullptr, nullptr);
+    std::string buf(size, 0);
+    ORTO_GetLex(sid, lex, &buf[0], size);
+    std::vector<std::pair<std::string, char>> out;
+    for (size_t at = 0; buf[at];) {
+        std::string entry(buf.c_str() + at);
+        size_t tab = entry.find('\t');
+        out.push_back({entry.substr(0, tab), entry[tab + 1]});
+        at += entry.size() + 1;
+    }
+    return out;
+}
+
+bool sameNoCase(const std::string &a, const std::string &b)
+{
+    return StrCompareNoCase(a.c_str(), b.c_str()) == 0;
+}
+
+} // namespace
+
+// Case-blind lookups answer with the first entry in table order that
+// matches, whether they walk the table or use the case-blind order that a
+// table read often gets; every change must drop that order.
+TEST_F(TempLex, CaseBlindLookupsFindTheFirstMatchInTableOrder)
+{
+    const char actions[] = "aAcCei";
+    unsigned seed = 7;
+    auto randomWord = [&seed]() {
+        std::string w;
+        size_t len = 1 + rand_r(&seed) % 3;
+        for (size_t i = 0; i < len; i++) {
+            char c = (char)('a' + rand_r(&seed) % 3);
+            w += rand_r(&seed) % 2 ? (char)(c - 32) : c;
+        }
+        return w;
+    };
+    ORTO_SetOption(sid, ORTO_StripPossessives, 0);
+    for (int i = 0; i < 300; i++)
+        ASSERT_EQ(ORTO_AddToLex(sid, lex, randomWord().c_str(), (uint16_t)actions[i % 6], nullptr), 0);
+    ORTO_SetOption(sid, ORTO_CaseSensitive, 0);
+    for (int round = 0; round < 6; round++) {
+        auto entries = entriesOf(sid, lex);
+        for (int probe = 0; probe < 100; probe++) {
+            std::string w = randomWord() + (probe % 10 == 0 ? "x" : "");
+            int expected = ORTO_NotFound;
+            for (const auto &e : entries)
+                if (sameNoCase(e.first, w)) {
+                    expected = e.second;
+                    break;
+                }
+            ASSERT_EQ(ORTO_FindLexWord(sid, lex, w.c_str(), nullptr, 0), expected)
+                << w << " in round " << round;
+        }
+        // a change between rounds: a new word, a word again with another
+        // action, a deletion
+        if (round % 3 == 0)
+            ORTO_AddToLex(sid, lex, ("A" + std::to_string(round)).c_str(), 'e', nullptr);
+        else if (round % 3 == 1)
+            ORTO_AddToLex(sid, lex, entries[round * 7].first.c_str(), 'c', "x");
+        else
+            ORTO_DelFromLex(sid, lex, entries[round * 5].first.c_str());
+    }
+    EXPECT_EQ(ORTO_ClearLex(sid, lex), 0);
+    EXPECT_EQ(ORTO_FindLexWord(sid, lex, "a", nullptr, 0), ORTO_NotFound);
 }

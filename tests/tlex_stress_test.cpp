@@ -21,7 +21,7 @@
 namespace {
 
 const int Workers = 4;
-const int Rounds = 25;
+const int Rounds = 15;
 const int BaseWords = 10;
 const char Sentinel[] = "#LID 24941\r\n";
 

@@ -32,6 +32,18 @@ void BlockClose(Block *block);
  * ORTO_NotFound. */
 i16 BlockGetWord(Block *block, char *word, u16 wordSize);
 i16 BlockNextWord(Block *block);
+
+/* Where the word at the cursor lies, as BlockReadWord found it. */
+struct BlockSpan {
+    u32 start;  /* position of its first character */
+    u32 length; /* characters read (at most WordSize - 1) */
+};
+/* BlockGetWord into a WordSize buffer, telling also where the word lies.
+ * BlockPassWord then makes the move of BlockNextWord without reading the
+ * word again; it is only right while the text, the cursor and the options
+ * are as they were at the read, so the span is never kept past one call. */
+i16 BlockReadWord(Block *block, char *word, BlockSpan *span);
+i16 BlockPassWord(Block *block, const BlockSpan *span);
 i16 BlockSetCursor(Block *block, u32 cursor);
 i16 BlockGetInfo(Block *block, u32 *textLength, u32 *blockSize, u32 *cursor, u32 *wordCount);
 u16 BlockAtFirstWord(const Block *block);

@@ -61,8 +61,14 @@ extern "C" int16_t ORTO_CheckBlock(int16_t sid, int16_t block, char *word, uint1
         return ORTO_BufferTooSmall;
     if (!replacement || replacementSize < 0)
         replacementSize = 0;
+    /* With a buffer of the engine's own word size, the word read for the
+     * check also gives the step to the next word (no second scan); the
+     * span lives only within this loop, where nothing edits the block. */
+    bool ownSize = wordSize == WordSize;
+    BlockSpan span;
     for (;;) {
-        if (BlockGetWord(b, word, wordSize) < 0)
+        i16 behind = ownSize ? BlockReadWord(b, word, &span) : BlockGetWord(b, word, wordSize);
+        if (behind < 0)
             return ORTO_EndOfBlock;
         u32 mask = s->options;
         if ((mask & ORTO_ReportUncappedWords) && !BlockAtFirstWord(b))
@@ -75,7 +81,7 @@ extern "C" int16_t ORTO_CheckBlock(int16_t sid, int16_t block, char *word, uint1
             if (result)
                 return result;
         }
-        if (BlockNextWord(b) < 0)
+        if ((ownSize ? BlockPassWord(b, &span) : BlockNextWord(b)) < 0)
             return ORTO_EndOfBlock;
     }
 }

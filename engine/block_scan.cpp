@@ -37,14 +37,20 @@ static bool continuesWord(const Block *block, u32 pos, bool splitHyphens)
     return false;
 }
 
-i16 BlockGetWord(Block *block, char *word, u16 wordSize)
+/* The scanner proper.  Copies the word at or after the cursor into `word`
+ * and leaves in `*start` and `*length` where the word as read lies in the
+ * text (the dropped apostrophe not counted), so that a caller who needs
+ * both the word and the step over it scans only once. */
+static i16 scanWord(const Block *block, char *word, u16 wordSize, u32 *start, u32 *length)
 {
     const unsigned char *t = (const unsigned char *)block->text;
+    u32 end = block->length;
     u32 pos = block->cursor;
-    while (pos < block->length && !IsWordChar(t[pos]))
+    while (pos < end && !IsWordChar(t[pos]))
         pos++;
-    if (pos >= block->length)
+    if (pos >= end)
         return ORTO_NotFound;
+    *start = pos;
 
     bool splitHyphens = block->options && (*block->options & ORTO_SplitHyphenatedWords);
     u32 max = wordSize ? (u32)wordSize - 1 : 0;
@@ -54,18 +60,38 @@ i16 BlockGetWord(Block *block, char *word, u16 wordSize)
      * word start is what comes back. */
     if (wordSize >= 2)
         word[n++] = (char)t[pos++];
-    while (n < max && pos < block->length && continuesWord(block, pos, splitHyphens)) {
-        if (t[pos] == '.')
-            hasPeriod = true;
-        word[n++] = (char)t[pos++];
+    /* n and pos rise together, so one bound stands for both limits */
+    u32 stop = (n < max && end - pos > max - n) ? pos + (max - n) : (n < max ? end : pos);
+    while (pos < stop) {
+        unsigned char c = t[pos];
+        if (!joinsWord(c)) {
+            if (!continuesWord(block, pos, splitHyphens))
+                break;
+            if (c == '.')
+                hasPeriod = true;
+        }
+        word[n++] = (char)c;
+        pos++;
     }
-    if (hasPeriod && pos < block->length && t[pos] == '.' && n < max)
+    if (hasPeriod && pos < end && t[pos] == '.' && n < max)
         word[n++] = (char)t[pos++];
     if (n >= 2 && IsApostrophe((unsigned char)word[n - 1]) && (word[n - 2] == 's' || word[n - 2] == 'S'))
         n--; /* `pos` stays behind the dropped apostrophe */
     if (wordSize)
         word[n] = 0;
-    return pos < block->length ? (i16)t[pos] : 0;
+    *length = n;
+    return pos < end ? (i16)t[pos] : 0;
+}
+
+i16 BlockGetWord(Block *block, char *word, u16 wordSize)
+{
+    u32 start, length;
+    return scanWord(block, word, wordSize, &start, &length);
+}
+
+i16 BlockReadWord(Block *block, char *word, BlockSpan *span)
+{
+    return scanWord(block, word, WordSize, &span->start, &span->length);
 }
 
 /* Moves the cursor to the next word start; punctuation on the way cuts the
@@ -80,17 +106,17 @@ static void skipToWord(Block *block)
     }
 }
 
-i16 BlockNextWord(Block *block)
+/* The move of BlockNextWord, once the word at the cursor is known to lie
+ * at `start` and to read as `length` characters. */
+static i16 stepOver(Block *block, u32 start, u32 length)
 {
     block->previousWord = block->cursor;
-    skipToWord(block);
+    skipToWord(block); /* stops at `start`, cutting the link on the way */
     if (block->cursor >= block->length)
         return ORTO_NotFound;
-    char word[WordSize];
-    BlockGetWord(block, word, WordSize);
     /* The word as read: the rest of an overlong word is the next word, and
      * a dropped apostrophe is left to the skip below as punctuation. */
-    block->cursor += StrLen(word);
+    block->cursor = start + length;
     if (block->cursor >= block->length)
         return ORTO_NotFound;
     skipToWord(block);
@@ -98,6 +124,19 @@ i16 BlockNextWord(Block *block)
         return ORTO_NotFound;
     block->atFirstWord = 0;
     return 0;
+}
+
+i16 BlockNextWord(Block *block)
+{
+    char word[WordSize];
+    u32 start = block->length, length = 0;
+    scanWord(block, word, WordSize, &start, &length);
+    return stepOver(block, start, length);
+}
+
+i16 BlockPassWord(Block *block, const BlockSpan *span)
+{
+    return stepOver(block, span->start, span->length);
 }
 
 i16 BlockSetCursor(Block *block, u32 cursor)

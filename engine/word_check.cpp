@@ -38,12 +38,25 @@ static bool endsPossessive(const char *word, u16 len)
            ((a == 's' || a == 'S') && IsApostrophe(b));
 }
 
+/* StrCopy that also gives the length copied: one pass over the word, on
+ * the path of every check. */
+static u16 copyMeasured(char *dest, u16 size, const char *src)
+{
+    u16 n = 0;
+    while (n + 1 < size && src[n]) {
+        dest[n] = src[n];
+        n++;
+    }
+    if (size)
+        dest[n] = 0;
+    return n;
+}
+
 i16 StripPossessive(const char *word, u32 options, char *buffer)
 {
-    StrCopy(buffer, WordSize, word);
     /* A word of more than 63 characters is tested on its 64-byte copy, so
      * the test never reads past what the copy holds. */
-    u16 len = StrLen(buffer);
+    u16 len = copyMeasured(buffer, WordSize, word);
     if (!(options & ORTO_StripPossessives) || len < 2)
         return (i16)len;
     if (endsPossessive(buffer, len)) {
@@ -191,12 +204,14 @@ i16 CheckWordMask(Session *session, u32 mask, const char *word, char *replacemen
 {
     if (!replacement)
         replacementSize = 0;
-    bool mixed = IsMixedCase(word);
+    /* Read before anything is written to `replacement`, which the host may
+     * have made the same buffer as `word`; worked out only when asked for. */
+    bool mixed = (mask & (ORTO_IgnoreMixedCase | ORTO_ReportMixedCase)) && IsMixedCase(word);
     char stripped[WordSize];
     if (StripPossessive(word, session->options, stripped) < 1)
         return 0;
     if (replacementSize > 0)
-        StrCopy(replacement, (u16)replacementSize, word);
+        copyMeasured(replacement, (u16)replacementSize, word);
 
     unsigned char first = (unsigned char)word[0];
     if ((mask & ORTO_IgnoreCappedWords) && IsUpper(first))

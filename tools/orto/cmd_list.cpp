@@ -64,14 +64,14 @@ static bool flushBlock(int16_t sid, std::string *block, TextEncoding encoding)
 /* Lists one input; returns ExitOk, or ExitFailure after a message. */
 static int listStream(int16_t sid, FILE *in, const char *name, TextEncoding encoding)
 {
-    std::string block, engine;
+    std::string block, engine, text;
     char *line = nullptr;
     size_t capacity = 0;
     ssize_t n;
     unsigned long lineNumber = 0;
     int status = ExitOk;
     while ((n = getline(&line, &capacity, in)) >= 0) {
-        std::string text(line, (size_t)n);
+        text.assign(line, (size_t)n);
         if (++lineNumber == 1 && text.compare(0, 3, "\xEF\xBB\xBF") == 0 && encoding == EncodingUtf8)
             text.erase(0, 3);
         if (!toEngineText(text, encoding, &engine)) {

@@ -109,6 +109,15 @@ bool toEngineText(const std::string &in, TextEncoding encoding, std::string *out
     const unsigned char *s = (const unsigned char *)in.data();
     size_t n = in.size();
     for (size_t i = 0; i < n;) {
+        /* ASCII, most of any text, goes over as it stands, a run at a time */
+        size_t run = i;
+        while (run < n && s[run] < 0x80)
+            run++;
+        if (run > i) {
+            out->append((const char *)s + i, run - i);
+            i = run;
+            continue;
+        }
         uint32_t cp;
         size_t len = decodeUtf8(s, n, i, &cp);
         if (len == 0)

@@ -174,6 +174,16 @@ void BM_FindWarm(benchmark::State &state)
     if (wrong)
         state.SkipWithError("a lookup gave the wrong answer");
     state.SetItemsProcessed(state.iterations());
+    // memory of the resident segments: their text and their checkpoints
+    const CLex *clex = SessionTable[d.sid]->lexSlots[lex]->clex;
+    double textBytes = 0, indexBytes = 0;
+    for (u32 k = 0; k < clex->segmentCount; k++) {
+        const CLexSegment *seg = clex->segments[k];
+        textBytes += seg->text ? seg->length : 0;
+        indexBytes += seg->index ? seg->index->bytes : 0;
+    }
+    state.counters["text_bytes"] = textBytes;
+    state.counters["index_bytes"] = indexBytes;
     ORTO_CloseLex(d.sid, lex);
 }
 BENCHMARK(BM_FindWarm)

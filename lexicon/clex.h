@@ -11,8 +11,9 @@
  *
  * Files: clex_open.cpp (probe, open, close, the pool), clex_cache.cpp
  * (loadSeg), clex_scan.cpp (decoding, CLex_ScanSegment, the cursor),
- * clex_skip.h (passing over records without decoding them), clex_find.cpp
- * (CLex_Find, its key patterns, the directory search).
+ * clex_skip.h (passing over records without decoding them), clex_index.cpp
+ * (checkpoints into long segments), clex_find.cpp (CLex_Find, its key
+ * patterns, the directory search).
  */
 #ifndef ORTO_LEXICON_CLEX_H
 #define ORTO_LEXICON_CLEX_H
@@ -22,13 +23,17 @@
 
 struct Lexicon;
 
+struct CLexIndex;
+
 /* One directory record and, while resident, its text. */
 struct CLexSegment {
     u32 offset;          /* start of the text within section 5's payload */
     u32 length;          /* bytes of text */
     unsigned char *text; /* the text while resident, else null */
+    CLexIndex *index;    /* checkpoints over the resident text of a long segment, else null */
     u32 lastUse;         /* useClock at the last loadSeg */
     char key[SegKeySize]; /* first three characters; a 1-2 character word padded with NUL */
+    unsigned char indexTried; /* 1 once CLex_BuildIndex ran over the resident text */
 };
 
 /* Segment records come from chunks of this many; records are never freed
@@ -122,6 +127,45 @@ i16 CLex_ScanSegment(const CLex *clex, const CLexSegment *segment, const char *w
 /* The case-blind callback: 0 if StrCompareNoCase finds the two equal,
  * else 1. */
 i32 CLex_MatchNoCase(const char *word, const char *decoded, void *context);
+
+/* ---- Checkpoints into a long segment (clex_index.cpp) ---- */
+
+/* Records between two checkpoints. */
+constexpr u32 CLexIndexStep = 16;
+/* Segments of this many records or fewer get no index. */
+constexpr u32 CLexIndexMinRecords = 32;
+
+/* Every CLexIndexStep-th record of a segment, first one included.  The
+ * header is followed in the same allocation by two arrays:
+ *   uint64_t prefix[count]    first 8 tail characters, big-endian, NUL-padded
+ *   u32 recordAt[count + 1]   offset of each checkpoint record; [count] the text's length */
+struct CLexIndex {
+    const unsigned char *text; /* the segment text it was built over */
+    u32 count;                 /* checkpoints */
+    u32 bytes;                 /* size of the allocation, for memory reports */
+};
+inline const uint64_t *CLex_IndexPrefix(const CLexIndex *index)
+{
+    return (const uint64_t *)(index + 1);
+}
+inline const u32 *CLex_IndexRecordAt(const CLexIndex *index)
+{
+    return (const u32 *)(CLex_IndexPrefix(index) + index->count);
+}
+
+/* Sets segment->index over its resident, checked text when the segment has
+ * more than CLexIndexMinRecords records; else, or without memory, to null.
+ * Sets indexTried either way. */
+void CLex_BuildIndex(const CLex *clex, CLexSegment *segment);
+/* Frees segment->index, if any, and clears indexTried. */
+void CLex_DropIndex(CLexSegment *segment);
+
+/* Where the exact search for the tail `target` (the word less its key)
+ * starts: 1 when a checkpoint is the word, -1 when the word sorts below the
+ * first record, else 0 with *from the offset of the first record to look
+ * at and *m the characters that the word before it, which sorts below
+ * target, shares with target. */
+int CLex_IndexStart(const CLexIndex *index, const unsigned char *target, u32 *from, u32 *m);
 
 /* ---- Word by word (for walks that want a loop rather than a callback) ----
  *

@@ -12,7 +12,9 @@
  * The file is opened by name for each load and closed at once, since no
  * handle may stay open between two calls.  Text that comes in is checked
  * once, here, so that the decoders can rely on its records; a segment that
- * doesn't decode cleanly is refused like one that can't be read.
+ * doesn't decode cleanly is refused like one that can't be read.  A long
+ * segment gets its checkpoint index here too (clex_index.cpp), at its
+ * first hit, and loses it with its text.
  */
 #include <stdlib.h>
 
@@ -33,6 +35,7 @@ static bool evictOne(CLex *clex)
     }
     if (!oldest)
         return false;
+    CLex_DropIndex(oldest);
     free(oldest->text);
     oldest->text = nullptr;
     clex->budgetLeft += oldest->length;
@@ -53,6 +56,8 @@ i16 loadSeg(CLex *clex, CLexSegment *segment)
     clex->useClock++;
     if (segment->text) {
         segment->lastUse = clex->useClock;
+        if (!segment->indexTried)
+            CLex_BuildIndex(clex, segment);
         return 0;
     }
     if (segment->length == 0)

@@ -107,6 +107,7 @@ static void poolFree(CLexPool *pool)
 void CLex_Close(CLex *clex)
 {
     for (u32 i = 0; i < clex->segmentCount; i++) {
+        CLex_DropIndex(clex->segments[i]);
         free(clex->segments[i]->text);
         clex->segments[i]->text = nullptr;
     }
@@ -239,6 +240,8 @@ static i16 readDirectory(CLex *clex, OpenState *st)
         segment->offset = readBE32(r + 3);
         segment->length = readBE32(r + 7);
         segment->text = nullptr;
+        segment->index = nullptr;
+        segment->indexTried = 0;
         segment->lastUse = 0;
         clex->segments[clex->segmentCount++] = segment;
     }

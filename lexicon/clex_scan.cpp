@@ -113,7 +113,11 @@ static inline int stepExact(unsigned char c, const unsigned char *target, u32 q,
 }
 
 /* The exact search in a segment of three-character key, as described at the
- * top.  1 found, 0 not. */
+ * top.  In a long segment, the search starts behind the last checkpoint
+ * below the word (clex_index.cpp); it needs no end of its own, since the
+ * next checkpoint sorts above the word and stops it like any other word.
+ * An index that isn't over this very text (a copy of the record given
+ * other text) is not used.  1 found, 0 not. */
 static i16 scanExact(const CLex *clex, const CLexSegment *segment, const char *word)
 {
     if (!word[0] || !word[1] || !word[2] || memcmp(word, segment->key, SegKeySize) != 0)
@@ -122,6 +126,15 @@ static i16 scanExact(const CLex *clex, const CLexSegment *segment, const char *w
     const unsigned char *p = segment->text;
     const unsigned char *end = p + segment->length;
     u32 m = 0;
+    const CLexIndex *index = segment->index;
+    if (index && index->text == segment->text &&
+        CLex_IndexRecordAt(index)[index->count] == segment->length) {
+        u32 from;
+        int start = CLex_IndexStart(index, target, &from, &m);
+        if (start != 0)
+            return start > 0 ? 1 : 0;
+        p += from;
+    }
     while (p < end) {
 #if defined(__SSE2__)
         p = skipRun<false>(clex, p, end, &m, target);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds and runs every test twice: a normal build, then one under
-# AddressSanitizer and UndefinedBehaviorSanitizer, where any report fails.
+# AddressSanitizer and UndefinedBehaviorSanitizer, where any report fails;
+# between the two, fuzzes the compressed-lexicon reader for a minute.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -10,11 +11,11 @@ echo "== normal build"
 bash scripts/build.sh build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 ctest --test-dir build --output-on-failure -j"$jobs"
 
+echo "== fuzzing the compressed lexicon reader for 60 s"
+bash scripts/fuzz.sh 60
+
 echo "== sanitizer build"
 bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE=ON -DORTO_BUILD_BENCH=OFF
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:halt_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir build-asan --output-on-failure -j"$jobs"
-
-echo "== fuzzing the compressed lexicon reader for 60 s"
-bash scripts/fuzz.sh 60

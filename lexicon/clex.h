@@ -12,7 +12,8 @@
  * Files: clex_open.cpp (probe, open, close, the pool), clex_cache.cpp
  * (loadSeg), clex_scan.cpp (decoding, CLex_ScanSegment, the cursor),
  * clex_skip.h (passing over records without decoding them), clex_index.cpp
- * (checkpoints into long segments), clex_find.cpp (CLex_Find, its key
+ * (checkpoints into long segments), clex_words.cpp (segments decoded for
+ * walks), clex_find.cpp (CLex_Find, its key
  * patterns, the directory search).
  */
 #ifndef ORTO_LEXICON_CLEX_H
@@ -24,6 +25,7 @@
 struct Lexicon;
 
 struct CLexIndex;
+struct CLexWords;
 
 /* One directory record and, while resident, its text. */
 struct CLexSegment {
@@ -31,6 +33,7 @@ struct CLexSegment {
     u32 length;          /* bytes of text */
     unsigned char *text; /* the text while resident, else null */
     CLexIndex *index;    /* checkpoints over the resident text of a long segment, else null */
+    CLexWords *words;    /* the resident text decoded, once a walk has asked for it, else null */
     u32 lastUse;         /* useClock at the last loadSeg */
     char key[SegKeySize]; /* first three characters; a 1-2 character word padded with NUL */
     unsigned char indexTried; /* 1 once CLex_BuildIndex ran over the resident text */
@@ -166,6 +169,47 @@ void CLex_DropIndex(CLexSegment *segment);
  * at and *m the characters that the word before it, which sorts below
  * target, shares with target. */
 int CLex_IndexStart(const CLexIndex *index, const unsigned char *target, u32 *from, u32 *m);
+
+/* ---- A segment decoded (clex_words.cpp) ---- */
+
+/* Zero bytes behind the shared counts and behind the last word. */
+constexpr u32 CLexWordsPad = 16;
+
+/* The words of a resident segment, in order.  The header is followed in the
+ * same allocation by:
+ *   u32 at[count]                         where each word starts in `chars`
+ *   unsigned char shared[count + Pad]     characters shared with the word
+ *                                         before (0 for the first), then 0s
+ *   unsigned char length[count]           length of each word
+ *   char chars[]                          the words, whole and NUL-ended,
+ *                                         then CLexWordsPad zero bytes */
+struct CLexWords {
+    const unsigned char *text; /* the segment text it was built from */
+    u32 count;                 /* words */
+    u32 bytes;                 /* size of the allocation, for memory reports */
+    unsigned char minLength;   /* shortest word */
+    unsigned char maxLength;   /* longest word */
+};
+inline const u32 *CLex_WordsAt(const CLexWords *w) { return (const u32 *)(w + 1); }
+inline const unsigned char *CLex_WordsShared(const CLexWords *w)
+{
+    return (const unsigned char *)(CLex_WordsAt(w) + w->count);
+}
+inline const unsigned char *CLex_WordsLength(const CLexWords *w)
+{
+    return CLex_WordsShared(w) + w->count + CLexWordsPad;
+}
+inline const char *CLex_WordsChars(const CLexWords *w)
+{
+    return (const char *)(CLex_WordsLength(w) + w->count);
+}
+
+/* Sets segment->words from its resident, checked text; null when the
+ * segment has no text, is a one- or two-character key, or no memory is
+ * left. */
+void CLex_BuildWords(const CLex *clex, CLexSegment *segment);
+/* Frees segment->words, if any. */
+void CLex_DropWords(CLexSegment *segment);
 
 /* ---- Word by word (for walks that want a loop rather than a callback) ----
  *

@@ -14,7 +14,8 @@
  * once, here, so that the decoders can rely on its records; a segment that
  * doesn't decode cleanly is refused like one that can't be read.  A long
  * segment gets its checkpoint index here too (clex_index.cpp), at its
- * first hit, and loses it with its text.
+ * first hit, and loses it with its text, as it loses the decoded words a
+ * walk may have made of it (clex_words.cpp).
  */
 #include <stdlib.h>
 
@@ -36,6 +37,7 @@ static bool evictOne(CLex *clex)
     if (!oldest)
         return false;
     CLex_DropIndex(oldest);
+    CLex_DropWords(oldest);
     free(oldest->text);
     oldest->text = nullptr;
     clex->budgetLeft += oldest->length;

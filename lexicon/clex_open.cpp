@@ -108,6 +108,7 @@ void CLex_Close(CLex *clex)
 {
     for (u32 i = 0; i < clex->segmentCount; i++) {
         CLex_DropIndex(clex->segments[i]);
+        CLex_DropWords(clex->segments[i]);
         free(clex->segments[i]->text);
         clex->segments[i]->text = nullptr;
     }
@@ -241,6 +242,7 @@ static i16 readDirectory(CLex *clex, OpenState *st)
         segment->length = readBE32(r + 7);
         segment->text = nullptr;
         segment->index = nullptr;
+        segment->words = nullptr;
         segment->indexTried = 0;
         segment->lastUse = 0;
         clex->segments[clex->segmentCount++] = segment;

@@ -108,24 +108,13 @@ bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 
 bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
 
 /* ---- the walks ---- */
-/* The suffix tables of a compressed lexicon as a segment walk reads them:
- * simple suffixes first, then the extended ones, each with its length and
- * its first characters padded to a fixed width for a copy of one piece. */
-constexpr int SuffixPad = 8;
-constexpr int SuffixRoom = 30 + 256; /* what codes 02..1F and 01 nn can name */
-struct SuffixTable {
-    u16 simpleCount;                    /* at most 30 */
-    u16 extendedCount;                  /* at most 256 */
-    const char *text[SuffixRoom];       /* into the CLex's tables */
-    unsigned char length[SuffixRoom];   /* their lengths, 255 standing for more */
-    char padded[SuffixRoom][SuffixPad]; /* their first characters, NUL-padded */
-};
-void suffixTableInit(SuffixTable *table, const CLex *clex);
-/* The typographical walk over the words of one resident segment, with
- * the bounds of the typographical ScoreProbe (segment_walk.cpp).  Candidates at or below
- * `lowestFloor` are known not to matter, whatever the list's own floor. */
-void walkSegmentTypo(const SuffixTable *suffixes, const CLexSegment *segment,
-                     const ScoreProbe *probe, SuggestionList *list, i16 lowestFloor);
+/* The typographical walk over the decoded words of one resident segment
+ * (segment_walk.cpp), with the bounds of the typographical ScoreProbe.
+ * Candidates at or below `lowestFloor` are known not to matter, whatever
+ * the list's own floor.  False, with nothing done, when the segment has no
+ * decoded words over its current text. */
+bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
+                     i16 lowestFloor);
 void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list);
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex);
 

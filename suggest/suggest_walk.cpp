@@ -204,9 +204,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
     char key[4] = {0, 0, 0, 0};
     /* what the list will hold at least, less one: nothing at or below it counts */
     i16 lowestFloor = 0;
-    SuffixTable suffixes;
     if (probe.kind == ProbeTypo) {
-        suffixTableInit(&suffixes, clex);
         i16 estimate = estimateFloor(clex, word, &probe, &keyTest, list);
         lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
     }
@@ -229,9 +227,9 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         if (keyTest.typo ? !segmentMayScore(&probe, key, keyTest.wordRun, floor)
                          : !probeSegmentMayScore(&probe, key, floor))
             continue;
-        if (probe.kind == ProbeTypo)
-            walkSegmentTypo(&suffixes, segment, &probe, list, lowestFloor);
-        else
+        if (probe.kind == ProbeTypo && !segment->words)
+            CLex_BuildWords(clex, segment);
+        if (probe.kind != ProbeTypo || !walkSegmentTypo(segment, &probe, list, lowestFloor))
             CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
     }
     return 0;

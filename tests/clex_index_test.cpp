@@ -223,6 +223,66 @@ TEST_F(ClexIndex, ShortSegmentsHaveNoneAndEvictionFreesIt)
     ORTO_CloseLex(sid, lex);
 }
 
+// The decoded form that suggestion walks read: every word whole, its
+// length and what it shares with the one before as the cursor gives them;
+// made by the first walk that opens the segment, and gone with the text.
+TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
+{
+    std::set<std::string> words = conWords(300);
+    for (int i = 0; i < 40; i++)
+        words.insert("dog" + std::string(1, (char)('a' + i % 26)) + std::to_string(i));
+    int16_t lex = open(words, 0);
+    ASSERT_GE(lex, 0);
+    uint32_t conLength = segment(lex, "con")->length;
+    uint32_t dogLength = segment(lex, "dog")->length;
+    ORTO_CloseLex(sid, lex);
+
+    lex = open(words, std::max(conLength, dogLength));
+    ASSERT_GE(lex, 0);
+    CLexSegment *con = segment(lex, "con");
+    CLexSegment *dog = segment(lex, "dog");
+    char list[1024];
+    int16_t scores[8];
+    for (int round = 0; round < 2; round++) {
+        ASSERT_EQ(ORTO_Suggest(sid, "conz", 0, list, sizeof list, scores, 8), 0);
+        ASSERT_NE(con->words, nullptr);
+        EXPECT_EQ(con->words->text, con->text);
+        EXPECT_EQ(dog->words, nullptr);
+
+        std::vector<std::string> expected;
+        CLexCursor cur;
+        CLex_StartSegment(&cur, clex(lex), con);
+        while (const char *w = CLex_NextWord(&cur))
+            expected.push_back(w);
+        const CLexWords *decoded = con->words;
+        ASSERT_EQ(decoded->count, expected.size());
+        const unsigned char *shared = CLex_WordsShared(decoded);
+        size_t shortest = 64, longest = 0;
+        for (size_t i = 0; i < expected.size(); i++) {
+            const std::string &w = expected[i];
+            const std::string before = i ? expected[i - 1] : "";
+            size_t s = 0;
+            while (s < w.size() && s < before.size() && w[s] == before[s])
+                s++;
+            EXPECT_EQ(CLex_WordsChars(decoded) + CLex_WordsAt(decoded)[i], w);
+            EXPECT_EQ(CLex_WordsLength(decoded)[i], w.size()) << w;
+            EXPECT_EQ(shared[i], s) << w;
+            shortest = std::min(shortest, w.size());
+            longest = std::max(longest, w.size());
+        }
+        EXPECT_EQ(shared[expected.size()], 0); // ends every run of shared words
+        EXPECT_EQ(decoded->minLength, shortest);
+        EXPECT_EQ(decoded->maxLength, longest);
+
+        // opening "dog" evicts "con", and its decoded words with it
+        ASSERT_EQ(ORTO_Suggest(sid, "dogz", 0, list, sizeof list, scores, 8), 0);
+        EXPECT_EQ(con->text, nullptr);
+        EXPECT_EQ(con->words, nullptr);
+        EXPECT_NE(dog->words, nullptr);
+    }
+    ORTO_CloseLex(sid, lex);
+}
+
 // The bundled lexicon: every word is found through the index, and the
 // index stays well below the text it covers.
 TEST(ClexIndexBundled, EveryListedWordIsFound)

@@ -175,9 +175,24 @@ int CLex_IndexStart(const CLexIndex *index, const unsigned char *target, u32 *fr
 /* Zero bytes behind the shared counts and behind the last word. */
 constexpr u32 CLexWordsPad = 16;
 
+/* Words that share this many first characters stand in one group. */
+constexpr u32 CLexGroupShared = SegKeySize + 1;
+
+/* A run of words that share their first CLexGroupShared characters (a
+ * shorter word is a group of its own). */
+struct CLexWordsGroup {
+    u32 end;                 /* index behind its last word */
+    u32 letters;             /* the letters of its words, or-ed together */
+    unsigned char minLength; /* its shortest word */
+    unsigned char maxLength; /* its longest word */
+};
+
 /* The words of a resident segment, in order.  The header is followed in the
  * same allocation by:
+ *   CLexWordsGroup groups[groupCount]     the groups, in order
  *   u32 at[count]                         where each word starts in `chars`
+ *   u32 letters[count]                    CLex_LetterBit of each character
+ *                                         of each word, or-ed together
  *   unsigned char shared[count + Pad]     characters shared with the word
  *                                         before (0 for the first), then 0s
  *   unsigned char length[count]           length of each word
@@ -186,14 +201,27 @@ constexpr u32 CLexWordsPad = 16;
 struct CLexWords {
     const unsigned char *text; /* the segment text it was built from */
     u32 count;                 /* words */
+    u32 groupCount;            /* groups */
     u32 bytes;                 /* size of the allocation, for memory reports */
+    u32 letters;               /* the letters of all words, or-ed together */
     unsigned char minLength;   /* shortest word */
     unsigned char maxLength;   /* longest word */
 };
-inline const u32 *CLex_WordsAt(const CLexWords *w) { return (const u32 *)(w + 1); }
+/* One bit for each letter as baseLetter gives it, without case or accent,
+ * and bit 0 for every character that is no letter. */
+inline u32 CLex_LetterBit(unsigned char baseLetterValue) { return 1u << (baseLetterValue & 31); }
+inline const CLexWordsGroup *CLex_WordsGroups(const CLexWords *w)
+{
+    return (const CLexWordsGroup *)(w + 1);
+}
+inline const u32 *CLex_WordsAt(const CLexWords *w)
+{
+    return (const u32 *)(CLex_WordsGroups(w) + w->groupCount);
+}
+inline const u32 *CLex_WordsLetters(const CLexWords *w) { return CLex_WordsAt(w) + w->count; }
 inline const unsigned char *CLex_WordsShared(const CLexWords *w)
 {
-    return (const unsigned char *)(CLex_WordsAt(w) + w->count);
+    return (const unsigned char *)(CLex_WordsLetters(w) + w->count);
 }
 inline const unsigned char *CLex_WordsLength(const CLexWords *w)
 {

@@ -9,8 +9,10 @@
  * have them decoded first; that cost, and not the scoring, was most of a
  * walk.  Decoded, each word stands whole at a known place, with its length
  * and the characters it shares with the word before in two byte arrays, so
- * a walk tests a record with two loads and passes a run of words that
- * share a rejected beginning by scanning bytes.
+ * a walk tests a record with a few loads and passes a run of words that
+ * share a rejected beginning by scanning bytes.  Words that share their
+ * first four characters form a group, with the letters and the lengths of
+ * all its words, so that a walk can pass a whole group at one test.
  *
  * The table is built from text that CLex_CheckSegmentText accepted, at the
  * first walk that wants it, and lives and dies with that text.  Like the
@@ -23,7 +25,17 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "engine/charclass.h"
 #include "lexicon/clex.h"
+
+/* Characters shared by two words, up to the end of the shorter. */
+static u32 sharedLength(const char *a, const char *b)
+{
+    u32 s = 0;
+    while (a[s] && a[s] == b[s])
+        s++;
+    return s;
+}
 
 void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
 {
@@ -31,46 +43,68 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     if (!segment->text || segment->key[2] == 0)
         return;
     CLexCursor cur;
-    u32 count = 0, chars = 0;
+    u32 count = 0, chars = 0, groups = 0;
+    char before[WordSize] = "";
     CLex_StartSegment(&cur, clex, segment);
-    while (CLex_NextWord(&cur)) {
+    while (const char *w = CLex_NextWord(&cur)) {
+        if (count == 0 || sharedLength(w, before) < CLexGroupShared)
+            groups++;
         count++;
         chars += SegKeySize + cur.tailLength + 1;
+        memcpy(before, w, SegKeySize + cur.tailLength + 1);
     }
     if (cur.damaged || count == 0)
         return;
-    size_t bytes = sizeof(CLexWords) + count * sizeof(u32) + (count + CLexWordsPad) +
-                   count + chars + CLexWordsPad;
+    size_t bytes = sizeof(CLexWords) + groups * sizeof(CLexWordsGroup) +
+                   2 * count * sizeof(u32) + (count + CLexWordsPad) + count + chars +
+                   CLexWordsPad;
     CLexWords *words = (CLexWords *)malloc(bytes);
     if (!words)
         return;
     words->text = segment->text;
     words->count = count;
+    words->groupCount = groups;
     words->bytes = (u32)bytes;
-    u32 *at = (u32 *)(words + 1);
-    unsigned char *shared = (unsigned char *)(at + count);
-    unsigned char *length = shared + count + CLexWordsPad;
-    char *text = (char *)(length + count);
+    CLexWordsGroup *group = (CLexWordsGroup *)CLex_WordsGroups(words);
+    u32 *at = (u32 *)CLex_WordsAt(words);
+    u32 *letters = (u32 *)CLex_WordsLetters(words);
+    unsigned char *shared = (unsigned char *)CLex_WordsShared(words);
+    unsigned char *length = (unsigned char *)CLex_WordsLength(words);
+    char *text = (char *)CLex_WordsChars(words);
     words->minLength = 255;
     words->maxLength = 0;
+    words->letters = 0;
 
-    u32 i = 0, used = 0;
-    const char *before = "";
+    u32 i = 0, used = 0, g = 0;
+    const char *previous = "";
     CLex_StartSegment(&cur, clex, segment);
     while (const char *w = CLex_NextWord(&cur)) {
         u32 n = SegKeySize + cur.tailLength;
-        u32 s = 0;
-        while (s < n && before[s] == w[s])
-            s++;
+        u32 s = sharedLength(w, previous);
+        if (i == 0 || s < CLexGroupShared) {
+            if (i > 0)
+                g++;
+            group[g] = {i, 0, 255, 0};
+        }
         at[i] = used;
+        letters[i] = 0;
+        for (u32 k = 0; k < n; k++)
+            letters[i] |= CLex_LetterBit(baseLetter[(unsigned char)w[k]]);
         shared[i] = (unsigned char)s;
         length[i] = (unsigned char)n;
+        group[g].end = i + 1;
+        group[g].letters |= letters[i];
+        if (n < group[g].minLength)
+            group[g].minLength = (unsigned char)n;
+        if (n > group[g].maxLength)
+            group[g].maxLength = (unsigned char)n;
+        words->letters |= letters[i];
         if (n < words->minLength)
             words->minLength = (unsigned char)n;
         if (n > words->maxLength)
             words->maxLength = (unsigned char)n;
         memcpy(text + used, w, n + 1);
-        before = text + used;
+        previous = text + used;
         used += n + 1;
         i++;
     }

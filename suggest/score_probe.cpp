@@ -13,7 +13,9 @@
 
 #include <string.h>
 
+#include "engine/charclass.h"
 #include "engine/string_helpers.h"
+#include "lexicon/clex.h"
 
 void probeInit(ScoreProbe *probe, Measure measure, const char *word)
 {
@@ -23,6 +25,10 @@ void probeInit(ScoreProbe *probe, Measure measure, const char *word)
     probe->code[0] = 0;
     if (measure == typoScore) {
         probe->kind = ProbeTypo;
+        probe->restLetters[probe->length] = 0;
+        for (i32 i = probe->length - 1; i >= 0; i--)
+            probe->restLetters[i] =
+                probe->restLetters[i + 1] | CLex_LetterBit(baseLetter[(unsigned char)word[i]]);
     } else if (measure == phoneticScore) {
         probe->kind = ProbePhonetic;
         phoneticCode(word, probe->code);

@@ -14,9 +14,15 @@
  *     list, whatever follows), every word that shares characters 0..j with
  *     it is out as well: the run of such words is passed by scanning their
  *     shared counts;
- *   - a length difference of d costs at least 40 * d, so a word is weighed
- *     by its length against the state it would start from before any of
- *     its characters is read.
+ *   - every mismatch of the measure costs 40 points or more and leaves at
+ *     most one character of each string without a partner of the same
+ *     letter, and every pair it makes is of the same letter.  So from a
+ *     state of the run on, a word that lacks m of the letters left in the
+ *     checked word, and is d characters shorter than what is left of it,
+ *     costs at least 40 * max(m, d), or 40 * (m - d) when it is longer:
+ *     a word is weighed by its length and its letters against the state
+ *     it would start from before any of its characters is read, and a
+ *     segment by the letters and lengths of all its words.
  */
 #include <limits.h>
 #include <string.h>
@@ -114,17 +120,29 @@ static void seedTrail(TypoTrail *trail, const unsigned char *word, const char *k
     }
 }
 
+/* Mismatches that a word must still pay for, at the least, when it lacks
+ * `missing` of the letters left in the checked word and has `d`
+ * characters fewer than are left of it. */
+static inline i32 eventsAtLeast(i32 missing, i32 d)
+{
+    return d >= 0 ? (missing > d ? missing : d) : missing - d;
+}
+
+/* Built twice, and the loader picks the build with the processor's own
+ * bit count where it has one: without it, each count is a library call. */
+__attribute__((target_clones("popcnt", "default")))
 bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
                      i16 lowestFloor)
 {
     const CLexWords *words = segment->words;
     if (!words || words->text != segment->text || !segment->key[2])
         return false;
+    const CLexWordsGroup *groups = CLex_WordsGroups(words);
     const u32 *at = CLex_WordsAt(words);
+    const u32 *letters = CLex_WordsLetters(words);
     const unsigned char *shared = CLex_WordsShared(words);
     const unsigned char *lengths = CLex_WordsLength(words);
     const char *chars = CLex_WordsChars(words);
-    const u32 count = words->count;
 
     const unsigned char *checked = (const unsigned char *)probe->word;
     i32 wordLength = probe->length;
@@ -137,42 +155,79 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
 
     i16 floor = -1;
     i32 minPoints = 0, shortest = 0, longest = 0;
-    for (u32 i = 0; i < count; i++) {
-        if (shared[i] < common)
-            common = shared[i];
-        if (floor < 0 || listFloor(list) > floor) {
-            floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
-            minPoints = typoPointsToBeat(full, floor);
-            if (minPoints > full)
-                return true; /* a full list of 100s takes nothing more */
-            i32 maxDiff = wordLength / 2;
-            if ((full - minPoints) / 40 < maxDiff)
-                maxDiff = (full - minPoints) / 40;
-            shortest = wordLength - maxDiff;
-            longest = wordLength + maxDiff;
-        }
-        /* the length, weighed against the state the run would start from */
-        i32 candLength = lengths[i];
-        i32 reach = common < trail.length ? common : trail.length;
-        i32 j = trail.resumeFrom[reach > 0 ? reach - 1 : 0];
-        i32 d = (wordLength - trail.wordAt[j]) - (candLength - j);
-        if ((candLength < shortest) | (candLength > longest) |
-            (trail.pointsAt[j] - 40 * (d < 0 ? -d : d) < minPoints))
-            continue;
+    auto raiseFloor = [&]() {
+        floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
+        minPoints = typoPointsToBeat(full, floor);
+        i32 maxDiff = wordLength / 2;
+        if ((full - minPoints) / 40 < maxDiff)
+            maxDiff = (full - minPoints) / 40;
+        shortest = wordLength - maxDiff;
+        longest = wordLength + maxDiff;
+    };
+    raiseFloor();
 
-        const char *candidate = chars + at[i];
-        i32 cutAt;
-        i32 points = runTrail(checked, wordLength, (const unsigned char *)candidate, candLength,
-                              minPoints, &trail, j, &cutAt);
-        common = candLength;
-        if (points >= minPoints)
-            addSuggestion(candidate, (i16)(points * 100 / full), list);
-        /* the words that follow and share the cut beginning are out; the
-         * shared count 0 behind the last word ends the run */
-        if (cutAt >= 0) {
-            u32 sealed = (u32)cutAt + 1;
-            while (shared[i + 1] >= sealed)
-                i++;
+    /* The segment as a whole, and then each group of words that share
+     * their first four characters, from the last state that the key
+     * decides: the letters and the lengths of all their words. */
+    const i32 keyAt = trail.resumeFrom[trail.length - 1];
+    const i32 keyPoints = trail.pointsAt[keyAt];
+    const u32 keyRestLetters = probe->restLetters[trail.wordAt[keyAt]];
+    const i32 keyRest = wordLength - trail.wordAt[keyAt];
+    auto mayScore = [&](u32 lettersOf, i32 minLength, i32 maxLength) {
+        i32 missing = __builtin_popcount(keyRestLetters & ~lettersOf);
+        i32 dLow = keyRest - (maxLength - keyAt), dHigh = keyRest - (minLength - keyAt);
+        i32 events = dHigh < 0 ? eventsAtLeast(missing, dHigh) : dLow > missing ? dLow : missing;
+        return keyPoints - 40 * events >= minPoints;
+    };
+    if (!mayScore(words->letters, words->minLength, words->maxLength))
+        return true;
+
+    u32 i = 0;
+    for (u32 g = 0; g < words->groupCount; g++) {
+        const CLexWordsGroup *group = &groups[g];
+        if (i >= group->end)
+            continue; /* passed with a run of shared words */
+        if (!mayScore(group->letters, group->minLength, group->maxLength)) {
+            if (shared[i] < common)
+                common = shared[i]; /* the rest of the group shares more */
+            i = group->end;
+            continue;
+        }
+        for (; i < group->end; i++) {
+            if (shared[i] < common)
+                common = shared[i];
+            /* the length and the letters, weighed against the state the
+             * run would start from */
+            i32 candLength = lengths[i];
+            i32 reach = common < trail.length ? common : trail.length;
+            i32 j = trail.resumeFrom[reach > 0 ? reach - 1 : 0];
+            i32 wi = trail.wordAt[j];
+            i32 missing = __builtin_popcount(probe->restLetters[wi] & ~letters[i]);
+            i32 events = eventsAtLeast(missing, (wordLength - wi) - (candLength - j));
+            if ((candLength < shortest) | (candLength > longest) |
+                (trail.pointsAt[j] - 40 * events < minPoints))
+                continue;
+
+            const char *candidate = chars + at[i];
+            i32 cutAt;
+            i32 points = runTrail(checked, wordLength, (const unsigned char *)candidate,
+                                  candLength, minPoints, &trail, j, &cutAt);
+            common = candLength;
+            if (points >= minPoints) {
+                addSuggestion(candidate, (i16)(points * 100 / full), list);
+                if (listFloor(list) > floor) {
+                    raiseFloor();
+                    if (minPoints > full)
+                        return true; /* a full list of 100s takes nothing more */
+                }
+            }
+            /* the words that follow and share the cut beginning are out;
+             * the shared count 0 behind the last word ends the run */
+            if (cutAt >= 0) {
+                u32 sealed = (u32)cutAt + 1;
+                while (shared[i + 1] >= sealed)
+                    i++;
+            }
         }
     }
     return true;

@@ -64,6 +64,7 @@ struct ScoreProbe {
     i16 length;                  /* its length */
     char code[WordSize];         /* its phonetic code (ProbePhonetic) */
     u16 counts[256];             /* its bytes by value (ProbePhonetic) */
+    u32 restLetters[WordSize + 1]; /* CLex_LetterBit of word[i..], or-ed, by i (ProbeTypo) */
 };
 
 void probeInit(ScoreProbe *probe, Measure measure, const char *word);

@@ -209,17 +209,22 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
     }
 
+    /* the keys are read from their packed copy, which stays in the cache,
+     * and a segment's record only when its key passes */
     for (u32 i = 0; i < clex->segmentCount; i++) {
-        CLexSegment *segment = clex->segments[i];
-        if (segment->key[2] == 0) {
-            scoreCandidate(word, segment->key, &context);
+        u32 value = clex->keyValues[i];
+        if ((value & 0xFF) == 0) {
+            scoreCandidate(word, clex->segments[i]->key, &context);
             continue;
         }
-        memcpy(key, segment->key, 3);
+        key[0] = (char)(value >> 16);
+        key[1] = (char)(value >> 8);
+        key[2] = (char)value;
         if (keyTest.typo)
             keyTestPair(&keyTest, word, probe.length, key);
         if (!keyPasses(&keyTest, key))
             continue;
+        CLexSegment *segment = clex->segments[i];
         i16 rc = loadSeg(clex, segment);
         if (rc < 0)
             return rc;

@@ -55,7 +55,7 @@ __attribute__((always_inline)) inline void typoStep(const unsigned char *&w,
  * candidate has ended, or the points are below `minPoints`.  The state at
  * a top of the loop depends on the candidate's characters up to the cursor
  * and no further. */
-inline void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
+__attribute__((always_inline)) inline void typoAdvance(const char *word, const char *candidate, TypoState *state, i32 minPoints,
                  i32 candStop)
 {
     const unsigned char *w = (const unsigned char *)word + state->w;

@@ -183,6 +183,7 @@ constexpr u32 CLexGroupShared = SegKeySize + 1;
 struct CLexWordsGroup {
     u32 end;                 /* index behind its last word */
     u32 letters;             /* the letters of its words, or-ed together */
+    u32 sureLetters;         /* the letters behind the key that all its words have */
     unsigned char minLength; /* its shortest word */
     unsigned char maxLength; /* its longest word */
 };
@@ -193,6 +194,8 @@ struct CLexWordsGroup {
  *   u32 at[count]                         where each word starts in `chars`
  *   u32 letters[count]                    CLex_LetterBit of each character
  *                                         of each word, or-ed together
+ *   u32 tailLetters[count]                the same of the characters behind
+ *                                         the key
  *   unsigned char shared[count + Pad]     characters shared with the word
  *                                         before (0 for the first), then 0s
  *   unsigned char length[count]           length of each word
@@ -219,9 +222,13 @@ inline const u32 *CLex_WordsAt(const CLexWords *w)
     return (const u32 *)(CLex_WordsGroups(w) + w->groupCount);
 }
 inline const u32 *CLex_WordsLetters(const CLexWords *w) { return CLex_WordsAt(w) + w->count; }
+inline const u32 *CLex_WordsTailLetters(const CLexWords *w)
+{
+    return CLex_WordsLetters(w) + w->count;
+}
 inline const unsigned char *CLex_WordsShared(const CLexWords *w)
 {
-    return (const unsigned char *)(CLex_WordsLetters(w) + w->count);
+    return (const unsigned char *)(CLex_WordsTailLetters(w) + w->count);
 }
 inline const unsigned char *CLex_WordsLength(const CLexWords *w)
 {

@@ -56,7 +56,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     if (cur.damaged || count == 0)
         return;
     size_t bytes = sizeof(CLexWords) + groups * sizeof(CLexWordsGroup) +
-                   2 * count * sizeof(u32) + (count + CLexWordsPad) + count + chars +
+                   3 * count * sizeof(u32) + (count + CLexWordsPad) + count + chars +
                    CLexWordsPad;
     CLexWords *words = (CLexWords *)malloc(bytes);
     if (!words)
@@ -68,6 +68,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     CLexWordsGroup *group = (CLexWordsGroup *)CLex_WordsGroups(words);
     u32 *at = (u32 *)CLex_WordsAt(words);
     u32 *letters = (u32 *)CLex_WordsLetters(words);
+    u32 *tailLetters = (u32 *)CLex_WordsTailLetters(words);
     unsigned char *shared = (unsigned char *)CLex_WordsShared(words);
     unsigned char *length = (unsigned char *)CLex_WordsLength(words);
     char *text = (char *)CLex_WordsChars(words);
@@ -84,16 +85,20 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
         if (i == 0 || s < CLexGroupShared) {
             if (i > 0)
                 g++;
-            group[g] = {i, 0, 255, 0};
+            group[g] = {i, 0, ~0u, 255, 0};
         }
         at[i] = used;
-        letters[i] = 0;
-        for (u32 k = 0; k < n; k++)
+        tailLetters[i] = 0;
+        for (u32 k = SegKeySize; k < n; k++)
+            tailLetters[i] |= CLex_LetterBit(baseLetter[(unsigned char)w[k]]);
+        letters[i] = tailLetters[i];
+        for (u32 k = 0; k < SegKeySize && k < n; k++)
             letters[i] |= CLex_LetterBit(baseLetter[(unsigned char)w[k]]);
         shared[i] = (unsigned char)s;
         length[i] = (unsigned char)n;
         group[g].end = i + 1;
         group[g].letters |= letters[i];
+        group[g].sureLetters &= tailLetters[i];
         if (n < group[g].minLength)
             group[g].minLength = (unsigned char)n;
         if (n > group[g].maxLength)

@@ -120,12 +120,23 @@ static void seedTrail(TypoTrail *trail, const unsigned char *word, const char *k
     }
 }
 
-/* Mismatches that a word must still pay for, at the least, when it lacks
- * `missing` of the letters left in the checked word and has `d`
- * characters fewer than are left of it. */
-static inline i32 eventsAtLeast(i32 missing, i32 d)
+/*
+ * Mismatches that a word must still pay for, at the least, from a state of
+ * the run: `wordRest` holds the letters left in the checked word, `candAll`
+ * at least the letters left in the candidate and `candSure` at most them,
+ * and the checked word has `d` characters more left than the candidate.
+ * Each letter of one that the other lacks is a character without partner
+ * (one at least per such letter), and those of the candidate number those
+ * of the word less d; the mismatches are at least as many as the larger.
+ * Least at d = 0, it grows away from 0 on either side.
+ */
+static inline i32 eventsAtLeast(u32 wordRest, u32 candAll, u32 candSure, i32 d)
 {
-    return d >= 0 ? (missing > d ? missing : d) : missing - d;
+    i32 word = __builtin_popcount(wordRest & ~candAll);
+    i32 cand = __builtin_popcount(candSure & ~wordRest) + d;
+    word = word > cand ? word : cand;
+    word = word > d ? word : d;
+    return word + (d < 0 ? -d : 0);
 }
 
 /* Built twice, and the loader picks the build with the processor's own
@@ -140,6 +151,7 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
     const CLexWordsGroup *groups = CLex_WordsGroups(words);
     const u32 *at = CLex_WordsAt(words);
     const u32 *letters = CLex_WordsLetters(words);
+    const u32 *tailLetters = CLex_WordsTailLetters(words);
     const unsigned char *shared = CLex_WordsShared(words);
     const unsigned char *lengths = CLex_WordsLength(words);
     const char *chars = CLex_WordsChars(words);
@@ -173,13 +185,13 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
     const i32 keyPoints = trail.pointsAt[keyAt];
     const u32 keyRestLetters = probe->restLetters[trail.wordAt[keyAt]];
     const i32 keyRest = wordLength - trail.wordAt[keyAt];
-    auto mayScore = [&](u32 lettersOf, i32 minLength, i32 maxLength) {
-        i32 missing = __builtin_popcount(keyRestLetters & ~lettersOf);
+    auto mayScore = [&](u32 allLetters, u32 sureLetters, i32 minLength, i32 maxLength) {
         i32 dLow = keyRest - (maxLength - keyAt), dHigh = keyRest - (minLength - keyAt);
-        i32 events = dHigh < 0 ? eventsAtLeast(missing, dHigh) : dLow > missing ? dLow : missing;
-        return keyPoints - 40 * events >= minPoints;
+        i32 d = dHigh < 0 ? dHigh : dLow > 0 ? dLow : 0;
+        return keyPoints - 40 * eventsAtLeast(keyRestLetters, allLetters, sureLetters, d) >=
+               minPoints;
     };
-    if (!mayScore(words->letters, words->minLength, words->maxLength))
+    if (!mayScore(words->letters, 0, words->minLength, words->maxLength))
         return true;
 
     u32 i = 0;
@@ -187,7 +199,7 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
         const CLexWordsGroup *group = &groups[g];
         if (i >= group->end)
             continue; /* passed with a run of shared words */
-        if (!mayScore(group->letters, group->minLength, group->maxLength)) {
+        if (!mayScore(group->letters, group->sureLetters, group->minLength, group->maxLength)) {
             if (shared[i] < common)
                 common = shared[i]; /* the rest of the group shares more */
             i = group->end;
@@ -196,16 +208,24 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
         for (; i < group->end; i++) {
             if (shared[i] < common)
                 common = shared[i];
-            /* the length and the letters, weighed against the state the
-             * run would start from */
             i32 candLength = lengths[i];
+            /* the length and the letters, weighed first against the state
+             * of the key (the same for all), then against the state the
+             * run would start from; from a state at the fourth character,
+             * the characters behind the key are all that is left */
+            if ((candLength < shortest) | (candLength > longest) |
+                (keyPoints - 40 * eventsAtLeast(keyRestLetters, letters[i], tailLetters[i],
+                                                keyRest - (candLength - keyAt)) <
+                 minPoints))
+                continue;
             i32 reach = common < trail.length ? common : trail.length;
             i32 j = trail.resumeFrom[reach > 0 ? reach - 1 : 0];
             i32 wi = trail.wordAt[j];
-            i32 missing = __builtin_popcount(probe->restLetters[wi] & ~letters[i]);
-            i32 events = eventsAtLeast(missing, (wordLength - wi) - (candLength - j));
-            if ((candLength < shortest) | (candLength > longest) |
-                (trail.pointsAt[j] - 40 * events < minPoints))
+            u32 all = j >= (i32)SegKeySize ? tailLetters[i] : letters[i];
+            u32 sure = j <= (i32)SegKeySize ? tailLetters[i] : 0;
+            if (trail.pointsAt[j] - 40 * eventsAtLeast(probe->restLetters[wi], all, sure,
+                                                       (wordLength - wi) - (candLength - j)) <
+                minPoints)
                 continue;
 
             const char *candidate = chars + at[i];

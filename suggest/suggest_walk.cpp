@@ -146,52 +146,58 @@ constexpr int EstimateRoom = 64;
 
 /*
  * A floor that the list is sure to reach by the end of a typographical walk
- * that starts on an empty list, from a first look at the segments of the
- * word's own first three characters (as written, and in small letters),
- * where its best candidates tend to stand.
+ * that starts on an empty list, from a first walk into a list of its own
+ * over the segments whose keys begin with the word's first two characters
+ * (as written, and with the first in small letters): the best candidates
+ * of most words stand there, and the rest of the walk then weighs every
+ * word against that floor from its first segment on.
  *
  * Why it is safe: with an empty list at the start, and one text always
  * bearing one score within a walk, the list after any number of offers is
  * the best `capacity` of them (by score, then arrival).  So once the walk
  * has offered `capacity` candidates of score F or more, nothing below F
  * stands in the list at its end, and nothing below F decides what else
- * does: such candidates need not be scored.  The first look only counts
+ * does: such candidates need not be scored.  The first walk only counts
  * candidates that the walk offers (their segment passes the key test) and
  * only reads segments already in memory, so that the cache sees nothing of
  * it.  0 when it learns nothing.
  */
-static i16 estimateFloor(const CLex *clex, const char *word, const ScoreProbe *probe,
+static i16 estimateFloor(CLex *clex, const char *word, const ScoreProbe *probe,
                          const KeyTest *keyTest, const SuggestionList *list)
 {
-    if (list->count != 0 || list->capacity > EstimateRoom || probe->length < 3)
+    if (list->count != 0 || list->capacity > EstimateRoom || probe->length < 2)
         return 0;
-    i16 best[EstimateRoom]; /* scores, highest first */
-    int kept = 0, room = list->capacity;
-    char keys[2][4] = {{word[0], word[1], word[2], 0}, {0, 0, 0, 0}};
-    for (int i = 0; i < 3; i++)
-        keys[1][i] = (char)ToLower((unsigned char)word[i]);
-    int variants = memcmp(keys[0], keys[1], 3) ? 2 : 1;
-    for (int v = 0; v < variants; v++) {
-        const CLexSegment *segment = CLex_FindSegment(clex, keys[v]);
-        if (!segment || !segment->text ||
-            (keyTest->minScore > 0 && keyTest->probe.measure(keyTest->wordKey, keys[v]) < keyTest->minScore))
+    SuggestionEntry room[EstimateRoom];
+    SuggestionList first = {room, 0, list->capacity};
+    /* the first two characters, the first also in small letters; then the
+     * first and the third, as in a swap of the second and third */
+    unsigned char w0 = (unsigned char)word[0], l0 = (unsigned char)ToLower(w0);
+    unsigned char w1 = (unsigned char)word[1], w2 = (unsigned char)word[2];
+    u32 pairs[4] = {(u32)w0 << 8 | w1, (u32)l0 << 8 | w1, (u32)w0 << 8 | w2, (u32)l0 << 8 | w2};
+    int count = w2 ? 4 : 2;
+    for (int v = 0; v < count; v++) {
+        u32 pair = pairs[v];
+        bool seen = false;
+        for (int u = 0; u < v; u++)
+            seen |= pairs[u] == pair;
+        if (seen)
             continue;
-        CLexCursor cursor;
-        CLex_StartSegment(&cursor, clex, segment);
-        while (const char *candidate = CLex_NextWord(&cursor)) {
-            i16 floor = kept == room ? best[room - 1] : 0;
-            i16 score = typoScoreAbove(word, probe->length, candidate, floor);
-            if (score < 1)
+        for (u32 i = clex->firstSegment[pair >> 8]; i < clex->firstSegment[(pair >> 8) + 1]; i++) {
+            u32 value = clex->keyValues[i];
+            if (value >> 8 != pair || (value & 0xFF) == 0)
                 continue;
-            int at = kept < room ? kept++ : room - 1;
-            while (at > 0 && best[at - 1] < score) {
-                best[at] = best[at - 1];
-                at--;
-            }
-            best[at] = score;
+            char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
+            CLexSegment *segment = clex->segments[i];
+            if (!segment->text ||
+                (keyTest->minScore > 0 &&
+                 keyTest->probe.measure(keyTest->wordKey, key) < keyTest->minScore))
+                continue;
+            if (!segment->words)
+                CLex_BuildWords(clex, segment);
+            walkSegmentTypo(segment, probe, &first, 0);
         }
     }
-    return kept == room ? best[room - 1] : 0;
+    return first.count == first.capacity ? first.entries[first.count - 1].score : 0;
 }
 
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex)

@@ -12,7 +12,7 @@
 #include "orto.h"
 
 static const std::string listFile = std::string(ORTO_SOURCE_DIR) + "/data/en-US.txt";
-static const std::string suffixFile = std::string(ORTO_SOURCE_DIR) + "/data/en-suffixes.txt";
+static const std::string suffixFile = std::string(ORTO_SOURCE_DIR) + "/data/en-US-suffixes.txt";
 
 static long fileSize(const std::string &path)
 {
@@ -34,7 +34,7 @@ static long countLines(const std::string &path)
 static void BM_CompressEnUS(benchmark::State &state)
 {
     if (fileSize(listFile) < 0 || fileSize(suffixFile) < 0) {
-        state.SkipWithError("data/en-US.txt or data/en-suffixes.txt missing");
+        state.SkipWithError("data/en-US.txt or data/en-US-suffixes.txt missing");
         return;
     }
     char dir[] = "/tmp/orto-bench-XXXXXX";

@@ -183,6 +183,7 @@ constexpr u32 CLexGroupShared = SegKeySize + 1;
 struct CLexWordsGroup {
     u32 end;                 /* index behind its last word */
     u32 letters;             /* the letters of its words, or-ed together */
+    u32 tailLetters;         /* the letters behind the key of its words, or-ed together */
     u32 sureLetters;         /* the letters behind the key that all its words have */
     unsigned char minLength; /* its shortest word */
     unsigned char maxLength; /* its longest word */

@@ -85,7 +85,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
         if (i == 0 || s < CLexGroupShared) {
             if (i > 0)
                 g++;
-            group[g] = {i, 0, ~0u, 255, 0};
+            group[g] = {i, 0, 0, ~0u, 255, 0};
         }
         at[i] = used;
         tailLetters[i] = 0;
@@ -98,6 +98,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
         length[i] = (unsigned char)n;
         group[g].end = i + 1;
         group[g].letters |= letters[i];
+        group[g].tailLetters |= tailLetters[i];
         group[g].sureLetters &= tailLetters[i];
         if (n < group[g].minLength)
             group[g].minLength = (unsigned char)n;

@@ -101,11 +101,13 @@ static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 de
     test->paired = false;
 }
 
-/* `key` holds three characters and a NUL. */
-static void keyTestPair(KeyTest *test, const char *word, i16 wordLength, const char *key)
+/* `key` holds three characters and a NUL.  False when the key's first two
+ * characters already cost too much for any third: the keys that share
+ * them need no test of their own. */
+static bool keyTestPair(KeyTest *test, const char *word, i16 wordLength, const char *key)
 {
     if (test->paired && test->pair[0] == key[0] && test->pair[1] == key[1])
-        return;
+        return true;
     test->pair[0] = key[0];
     test->pair[1] = key[1];
     test->paired = true;
@@ -113,6 +115,18 @@ static void keyTestPair(KeyTest *test, const char *word, i16 wordLength, const c
     typoAdvance(test->wordKey, key, &test->keyRun, 1, 1);
     test->wordRun = {0, 0, typoFullPoints(wordLength)};
     typoAdvance(word, key, &test->wordRun, 1, 1);
+    if (test->minScore <= 0 || test->lengthFails)
+        return true;
+    /* what is left differs in length by d, 40 points each; and if the
+     * second character stands against another letter, that costs 40 or
+     * more whatever the third is, and mends d by one at most */
+    const TypoState &run = test->keyRun;
+    i32 d = (test->probe.length - run.w) - (3 - run.c);
+    i32 events = d < 0 ? -d : d;
+    if (run.c == 1 && run.w < test->probe.length &&
+        baseLetter[(unsigned char)test->wordKey[run.w]] != baseLetter[(unsigned char)key[1]])
+        events = events > 1 ? events : 1;
+    return run.points - 40 * events >= test->minPoints;
 }
 
 static bool keyPasses(KeyTest *test, const char *key)
@@ -125,8 +139,7 @@ static bool keyPasses(KeyTest *test, const char *key)
         return false;
     TypoState state = test->keyRun;
     typoAdvance(test->wordKey, key, &state, test->minPoints, WordSize);
-    i32 keyLength = key[0] ? (key[1] ? (key[2] ? 3 : 2) : 1) : 0;
-    i32 points = state.points - 40 * (keyLength - state.c) - 40 * (test->probe.length - state.w);
+    i32 points = state.points - 40 * (3 - state.c) - 40 * (test->probe.length - state.w);
     return points >= test->minPoints;
 }
 
@@ -226,8 +239,11 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         key[0] = (char)(value >> 16);
         key[1] = (char)(value >> 8);
         key[2] = (char)value;
-        if (keyTest.typo)
-            keyTestPair(&keyTest, word, probe.length, key);
+        if (keyTest.typo && !keyTestPair(&keyTest, word, probe.length, key)) {
+            while (i + 1 < clex->segmentCount && clex->keyValues[i + 1] >> 8 == value >> 8)
+                i++;
+            continue;
+        }
         if (!keyPasses(&keyTest, key))
             continue;
         CLexSegment *segment = clex->segments[i];

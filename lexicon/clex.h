@@ -34,6 +34,10 @@ struct CLexSegment {
     unsigned char *text; /* the text while resident, else null */
     CLexIndex *index;    /* checkpoints over the resident text of a long segment, else null */
     CLexWords *words;    /* the resident text decoded, once a walk has asked for it, else null */
+    u32 letters;         /* CLex_LetterBit of every character of its words, or-ed together,
+                          * and their shortest and longest length: known (maxLength above 0)
+                          * once the text has been decoded, and kept when it is evicted */
+    unsigned char minLength, maxLength;
     u32 lastUse;         /* useClock at the last loadSeg */
     char key[SegKeySize]; /* first three characters; a 1-2 character word padded with NUL */
     unsigned char indexTried; /* 1 once CLex_BuildIndex ran over the resident text */
@@ -207,9 +211,6 @@ struct CLexWords {
     u32 count;                 /* words */
     u32 groupCount;            /* groups */
     u32 bytes;                 /* size of the allocation, for memory reports */
-    u32 letters;               /* the letters of all words, or-ed together */
-    unsigned char minLength;   /* shortest word */
-    unsigned char maxLength;   /* longest word */
 };
 /* One bit for each letter as baseLetter gives it, without case or accent,
  * and bit 0 for every character that is no letter. */
@@ -240,9 +241,9 @@ inline const char *CLex_WordsChars(const CLexWords *w)
     return (const char *)(CLex_WordsLength(w) + w->count);
 }
 
-/* Sets segment->words from its resident, checked text; null when the
- * segment has no text, is a one- or two-character key, or no memory is
- * left. */
+/* Sets segment->words from its resident, checked text, and the segment's
+ * letters and lengths; words stays null when the segment has no text, is a
+ * one- or two-character key, or no memory is left. */
 void CLex_BuildWords(const CLex *clex, CLexSegment *segment);
 /* Frees segment->words, if any. */
 void CLex_DropWords(CLexSegment *segment);

@@ -243,6 +243,8 @@ static i16 readDirectory(CLex *clex, OpenState *st)
         segment->text = nullptr;
         segment->index = nullptr;
         segment->words = nullptr;
+        segment->letters = 0;
+        segment->minLength = segment->maxLength = 0;
         segment->indexTried = 0;
         segment->lastUse = 0;
         clex->segments[clex->segmentCount++] = segment;

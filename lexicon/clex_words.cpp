@@ -72,9 +72,8 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     unsigned char *shared = (unsigned char *)CLex_WordsShared(words);
     unsigned char *length = (unsigned char *)CLex_WordsLength(words);
     char *text = (char *)CLex_WordsChars(words);
-    words->minLength = 255;
-    words->maxLength = 0;
-    words->letters = 0;
+    u32 allLetters = 0;
+    unsigned char shortest = 255, longest = 0;
 
     u32 i = 0, used = 0, g = 0;
     const char *previous = "";
@@ -104,11 +103,11 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
             group[g].minLength = (unsigned char)n;
         if (n > group[g].maxLength)
             group[g].maxLength = (unsigned char)n;
-        words->letters |= letters[i];
-        if (n < words->minLength)
-            words->minLength = (unsigned char)n;
-        if (n > words->maxLength)
-            words->maxLength = (unsigned char)n;
+        allLetters |= letters[i];
+        if (n < shortest)
+            shortest = (unsigned char)n;
+        if (n > longest)
+            longest = (unsigned char)n;
         memcpy(text + used, w, n + 1);
         previous = text + used;
         used += n + 1;
@@ -119,6 +118,9 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     memset(shared + count, 0, CLexWordsPad);
     memset(text + used, 0, CLexWordsPad);
     segment->words = words;
+    segment->letters = allLetters;
+    segment->minLength = shortest;
+    segment->maxLength = longest;
 }
 
 void CLex_DropWords(CLexSegment *segment)

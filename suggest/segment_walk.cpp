@@ -145,17 +145,8 @@ __attribute__((target_clones("popcnt", "default")))
 bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
                      i16 lowestFloor)
 {
-    const CLexWords *words = segment->words;
-    if (!words || words->text != segment->text || !segment->key[2])
+    if (!segment->words || !segment->key[2])
         return false;
-    const CLexWordsGroup *groups = CLex_WordsGroups(words);
-    const u32 *at = CLex_WordsAt(words);
-    const u32 *letters = CLex_WordsLetters(words);
-    const u32 *tailLetters = CLex_WordsTailLetters(words);
-    const unsigned char *shared = CLex_WordsShared(words);
-    const unsigned char *lengths = CLex_WordsLength(words);
-    const char *chars = CLex_WordsChars(words);
-
     const unsigned char *checked = (const unsigned char *)probe->word;
     i32 wordLength = probe->length;
     i32 full = typoFullPoints(wordLength);
@@ -167,7 +158,7 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
 
     i16 floor = -1;
     i32 minPoints = 0, shortest = 0, longest = 0;
-    auto raiseFloor = [&]() {
+    auto raiseFloor = [&]() __attribute__((always_inline)) {
         floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
         minPoints = typoPointsToBeat(full, floor);
         i32 maxDiff = wordLength / 2;
@@ -185,21 +176,35 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
     const i32 keyPoints = trail.pointsAt[keyAt];
     const u32 keyRestLetters = probe->restLetters[trail.wordAt[keyAt]];
     const i32 keyRest = wordLength - trail.wordAt[keyAt];
-    auto mayScore = [&](u32 allLetters, u32 sureLetters, i32 minLength, i32 maxLength) {
+    auto mayScore = [&](u32 allLetters, u32 sureLetters, i32 minLength,
+                        i32 maxLength) __attribute__((always_inline)) {
         i32 dLow = keyRest - (maxLength - keyAt), dHigh = keyRest - (minLength - keyAt);
         i32 d = dHigh < 0 ? dHigh : dLow > 0 ? dLow : 0;
         return keyPoints - 40 * eventsAtLeast(keyRestLetters, allLetters, sureLetters, d) >=
                minPoints;
     };
-    if (!mayScore(words->letters, 0, words->minLength, words->maxLength))
+    /* the segment's own record holds its letters and lengths: its decoded
+     * words are not read at all when they fail */
+    if (!mayScore(segment->letters, 0, segment->minLength, segment->maxLength))
         return true;
+    const CLexWords *words = segment->words;
+    if (words->text != segment->text)
+        return false;
+    const CLexWordsGroup *groups = CLex_WordsGroups(words);
+    const u32 *at = CLex_WordsAt(words);
+    const u32 *letters = CLex_WordsLetters(words);
+    const u32 *tailLetters = CLex_WordsTailLetters(words);
+    const unsigned char *shared = CLex_WordsShared(words);
+    const unsigned char *lengths = CLex_WordsLength(words);
+    const char *chars = CLex_WordsChars(words);
 
     /* A group's fourth character is known, and with it the decision of the
      * run at the third, when the key leaves one to make: from the state
      * behind it, a fourth character that stands against another letter
      * costs 40 or more, whatever follows. */
     const bool thirdOpen = trail.length == 3 && trail.resumeFrom[2] == 2 && checked[trail.wordAt[2]];
-    auto groupMayScore = [&](const CLexWordsGroup *group, const unsigned char *first) {
+    auto groupMayScore = [&](const CLexWordsGroup *group,
+                             const unsigned char *first) __attribute__((always_inline)) {
         if (!thirdOpen || group->minLength <= SegKeySize)
             return true;
         const unsigned char *w = checked + trail.wordAt[2], *c = first + 2;

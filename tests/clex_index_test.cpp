@@ -271,13 +271,14 @@ TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
             longest = std::max(longest, w.size());
         }
         EXPECT_EQ(shared[expected.size()], 0); // ends every run of shared words
-        EXPECT_EQ(decoded->minLength, shortest);
-        EXPECT_EQ(decoded->maxLength, longest);
+        EXPECT_EQ(con->minLength, shortest);
+        EXPECT_EQ(con->maxLength, longest);
 
         // opening "dog" evicts "con", and its decoded words with it
         ASSERT_EQ(ORTO_Suggest(sid, "dogz", 0, list, sizeof list, scores, 8), 0);
         EXPECT_EQ(con->text, nullptr);
         EXPECT_EQ(con->words, nullptr);
+        EXPECT_EQ(con->maxLength, longest); // the summary outlives the text
         EXPECT_NE(dog->words, nullptr);
     }
     ORTO_CloseLex(sid, lex);

@@ -97,12 +97,8 @@ struct TypoState {
     i32 points; /* points kept */
 };
 /* A lower bound of the points typoScore takes off any candidate that
- * begins with the three characters of `key` (which needs no NUL); the
- * second form starts from a state of a run on `key` that stands before its
- * second character's decision is made (as typoAdvance with candStop 1
- * leaves it). */
+ * begins with the three characters of `key` (which needs no NUL). */
 i32 typoPrefixCost(const char *word, i16 wordLength, const char *key);
-i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state);
 /* Segment bounds: false when no word that begins with `key` can score
  * above `floor` (typographical), or can have the word's code (phonetic). */
 bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 floor);

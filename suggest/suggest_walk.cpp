@@ -13,11 +13,12 @@
  * Every candidate is scored against the list's current floor (ScoreProbe):
  * the walk only asks whether it can still get in, which the list would
  * otherwise refuse at its first test.  Under the typographical measure the
- * same question is put to a whole segment, from its key, and the words of
- * a segment that may hold one go through segment_walk.cpp; a segment that
- * passes the key test is loaded all the same, so that a load failure and
- * the cache come out as they would without the bounds.  Other measures
- * decode through the scanner's callback.
+ * segment's decoded words go through segment_walk.cpp, which puts the same
+ * question to the segment, its groups and each word before it scores one;
+ * other measures put it to the segment by its key and decode through the
+ * scanner's callback.  A segment that passes the key test is loaded all
+ * the same, so that a load failure and the cache come out as they would
+ * without the bounds.
  */
 #include <string.h>
 
@@ -69,11 +70,11 @@ static i32 scoreCandidate(const char *word, const char *candidate, void *context
 }
 
 /* The key test of one walk: the first three characters of the word
- * against each three-character key, passed at `minScore` or more; and,
- * for the typographical measure, the bound of a segment by its key.  Keys
+ * against each three-character key, passed at `minScore` or more.  Keys
  * come sorted, so that many follow a key with the same first two
- * characters; the state of both runs before the decision on the second
- * character depends on those two alone and is kept for the next key. */
+ * characters; under the typographical measure the state of the run before
+ * the decision on the second character depends on those two alone and is
+ * kept for the next key. */
 struct KeyTest {
     ScoreProbe probe;      /* the three characters, for other measures */
     char wordKey[4];       /* the first three characters of the word */
@@ -84,7 +85,6 @@ struct KeyTest {
     char pair[2];          /* typo: first two characters of the key last seen */
     bool paired;           /* typo: `pair` and the states are set */
     TypoState keyRun;      /* typo: wordKey against the key, before its second decision */
-    TypoState wordRun;     /* typo: the word against the key, likewise */
 };
 
 static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 depth)
@@ -104,7 +104,7 @@ static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 de
 /* `key` holds three characters and a NUL.  False when the key's first two
  * characters already cost too much for any third: the keys that share
  * them need no test of their own. */
-static bool keyTestPair(KeyTest *test, const char *word, i16 wordLength, const char *key)
+static bool keyTestPair(KeyTest *test, const char *key)
 {
     if (test->paired && test->pair[0] == key[0] && test->pair[1] == key[1])
         return true;
@@ -113,8 +113,6 @@ static bool keyTestPair(KeyTest *test, const char *word, i16 wordLength, const c
     test->paired = true;
     test->keyRun = {0, 0, typoFullPoints(test->probe.length)};
     typoAdvance(test->wordKey, key, &test->keyRun, 1, 1);
-    test->wordRun = {0, 0, typoFullPoints(wordLength)};
-    typoAdvance(word, key, &test->wordRun, 1, 1);
     if (test->minScore <= 0 || test->lengthFails)
         return true;
     /* what is left differs in length by d, 40 points each; and if the
@@ -141,17 +139,6 @@ static bool keyPasses(KeyTest *test, const char *key)
     typoAdvance(test->wordKey, key, &state, test->minPoints, WordSize);
     i32 points = state.points - 40 * (3 - state.c) - 40 * (test->probe.length - state.w);
     return points >= test->minPoints;
-}
-
-/* typoSegmentMayScore, from the kept state of the word's run. */
-static bool segmentMayScore(const ScoreProbe *probe, const char *key, TypoState wordRun, i16 floor)
-{
-    i32 length = probe->length;
-    if (!key[1] || 3 - length > length / 2)
-        return !key[1]; /* odd key: no bound; else the length test fails them all */
-    i32 full = typoFullPoints(length);
-    return full - typoPrefixCostFrom(probe->word, probe->length, key, wordRun) >=
-           typoPointsToBeat(full, floor);
 }
 
 /* Most candidates a first look keeps count of. */
@@ -239,7 +226,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         key[0] = (char)(value >> 16);
         key[1] = (char)(value >> 8);
         key[2] = (char)value;
-        if (keyTest.typo && !keyTestPair(&keyTest, word, probe.length, key)) {
+        if (keyTest.typo && !keyTestPair(&keyTest, key)) {
             while (i + 1 < clex->segmentCount && clex->keyValues[i + 1] >> 8 == value >> 8)
                 i++;
             continue;
@@ -251,8 +238,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         if (rc < 0)
             return rc;
         i16 floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
-        if (keyTest.typo ? !segmentMayScore(&probe, key, keyTest.wordRun, floor)
-                         : !probeSegmentMayScore(&probe, key, floor))
+        if (!keyTest.typo && !probeSegmentMayScore(&probe, key, floor))
             continue;
         if (probe.kind == ProbeTypo && !segment->words)
             CLex_BuildWords(clex, segment);

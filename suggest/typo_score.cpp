@@ -103,10 +103,11 @@ i16 typoScoreAbove(const char *word, i16 wordLength, const char *candidate, i16 
     return (i16)(points * 100 / full);
 }
 
-i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoState state)
+i32 typoPrefixCost(const char *word, i16 wordLength, const char *key)
 {
     if (!key[0] || !key[1] || !key[2])
         return 0;
+    TypoState state = {0, 0, typoFullPoints(wordLength)};
     /* the run while the candidate cursor is on the first two characters:
      * its lookahead reaches the third and no further */
     char piece[4] = {key[0], key[1], key[2], 0};
@@ -131,12 +132,6 @@ i32 typoPrefixCostFrom(const char *word, i16 wordLength, const char *key, TypoSt
     /* a word of the segment has three characters or more */
     i32 lengthCost = wordLength < 3 ? 40 * (3 - wordLength) : 0;
     return cost > lengthCost ? cost : lengthCost;
-}
-
-i32 typoPrefixCost(const char *word, i16 wordLength, const char *key)
-{
-    TypoState start = {0, 0, typoFullPoints(wordLength)};
-    return typoPrefixCostFrom(word, wordLength, key, start);
 }
 
 bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 floor)

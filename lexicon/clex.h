@@ -191,6 +191,8 @@ struct CLexWordsGroup {
     u32 sureLetters;         /* the letters behind the key that all its words have */
     unsigned char minLength; /* its shortest word */
     unsigned char maxLength; /* its longest word */
+    unsigned char fourth;    /* the character its words share behind the key (NUL for a
+                              * three-character word) */
 };
 
 /* The words of a resident segment, in order.  The header is followed in the

@@ -85,7 +85,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
         if (i == 0 || s < CLexGroupShared) {
             if (i > 0)
                 g++;
-            group[g] = {i, 0, 0, ~0u, 255, 0};
+            group[g] = {i, 0, 0, ~0u, 255, 0, (unsigned char)w[SegKeySize]};
         }
         at[i] = used;
         tailLetters[i] = 0;

@@ -203,20 +203,22 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
      * behind it, a fourth character that stands against another letter
      * costs 40 or more, whatever follows. */
     const bool thirdOpen = trail.length == 3 && trail.resumeFrom[2] == 2 && checked[trail.wordAt[2]];
-    auto groupMayScore = [&](const CLexWordsGroup *group,
-                             const unsigned char *first) __attribute__((always_inline)) {
+    auto groupMayScore = [&](const CLexWordsGroup *group) __attribute__((always_inline)) {
         if (!thirdOpen || group->minLength <= SegKeySize)
             return true;
-        const unsigned char *w = checked + trail.wordAt[2], *c = first + 2;
+        /* the key's last character and the group's fourth: all that the
+         * step at the third looks at */
+        const unsigned char first[2] = {(unsigned char)segment->key[2], group->fourth};
+        const unsigned char *w = checked + trail.wordAt[2], *c = first;
         i32 points = trail.pointsAt[2];
         typoStep(w, c, points);
-        i32 wi = (i32)(w - checked) + 1, ci = (i32)(c - first) + 1;
+        i32 wi = (i32)(w - checked) + 1, ci = (i32)(c - first) + 3;
         i32 rest = wordLength - wi;
         i32 dLow = rest - (group->maxLength - ci), dHigh = rest - (group->minLength - ci);
         i32 d = dHigh < 0 ? dHigh : dLow > 0 ? dLow : 0;
         i32 events = eventsAtLeast(probe->restLetters[wi], group->tailLetters,
                                    ci == (i32)SegKeySize ? group->sureLetters : 0, d);
-        if (ci == (i32)SegKeySize && checked[wi] && baseLetter[checked[wi]] != baseLetter[first[ci]])
+        if (ci == (i32)SegKeySize && checked[wi] && baseLetter[checked[wi]] != baseLetter[group->fourth])
             events = events > 1 ? events : 1;
         return points - 40 * events >= minPoints;
     };
@@ -226,9 +228,8 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
         const CLexWordsGroup *group = &groups[g];
         if (i >= group->end)
             continue; /* passed with a run of shared words */
-        u32 start = g ? groups[g - 1].end : 0;
         if (!mayScore(group->letters, group->sureLetters, group->minLength, group->maxLength) ||
-            !groupMayScore(group, (const unsigned char *)chars + at[start])) {
+            !groupMayScore(group)) {
             if (shared[i] < common)
                 common = shared[i]; /* the rest of the group shares more */
             i = group->end;

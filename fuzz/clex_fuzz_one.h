@@ -1,14 +1,17 @@
 /*
  * clex_fuzz_one.h -- one run of the compressed lexicon reader over arbitrary
  * bytes: the bytes become a file, which is opened as a lexicon (under two
- * budgets), looked up in both case modes, and walked segment by segment.
+ * budgets), looked up in both case modes, walked segment by segment, with
+ * each segment also decoded as the suggestion walks read it, and asked for
+ * suggestions.
  * Shared by the libFuzzer target and the corpus replay test, so that the
  * saved corpus runs in ordinary test builds too.
  *
  * Besides the sanitizers, it checks what must hold for any file that
  * opens: the resident text stays within the budget and matches budgetLeft,
- * and every word that a clean, ascending segment yields is found again,
- * exactly and case-blind.  A broken rule aborts.
+ * every word that a clean, ascending segment yields is found again,
+ * exactly and case-blind, and a segment's decoded form holds the words the
+ * cursor gives.  A broken rule aborts.
  */
 #ifndef ORTO_FUZZ_CLEX_FUZZ_ONE_H
 #define ORTO_FUZZ_CLEX_FUZZ_ONE_H
@@ -68,6 +71,45 @@ inline void lookups(int16_t sid, int16_t lex, const CLex *clex)
     }
 }
 
+/* The decoded form of a resident segment against the cursor's words. */
+inline void checkDecoded(const CLex *clex, CLexSegment *seg, const std::vector<std::string> &words)
+{
+    if (!seg->text || seg->key[2] == 0)
+        return;
+    if (!seg->words)
+        CLex_BuildWords(clex, seg);
+    const CLexWords *d = seg->words;
+    if (!d)
+        return; /* out of memory: the walks decode the text themselves */
+    require(d->count == words.size(), "decoded word count");
+    const unsigned char *shared = CLex_WordsShared(d), *length = CLex_WordsLength(d);
+    for (size_t k = 0; k < words.size(); k++) {
+        require(words[k] == CLex_WordsChars(d) + CLex_WordsAt(d)[k], "decoded word");
+        require(length[k] == words[k].size(), "decoded length");
+        require(seg->minLength <= length[k] && length[k] <= seg->maxLength, "segment lengths");
+        size_t s = 0;
+        const std::string before = k ? words[k - 1] : std::string();
+        while (s < before.size() && s < words[k].size() && before[s] == words[k][s])
+            s++;
+        require(shared[k] == s, "decoded shared count");
+    }
+    require(shared[words.size()] == 0, "shared counts end in 0");
+}
+
+/* Suggestions at every depth the walks know, typographical and phonetic:
+ * any answer but a crash is fine. */
+inline void suggestions(int16_t sid, const std::vector<std::string> &probes)
+{
+    char list[512];
+    int16_t scores[8];
+    ORTO_SetOption(sid, ORTO_PhoneticSuggestions, 1);
+    for (const std::string &w : probes)
+        for (int16_t depth : {0, 50, 100}) {
+            int16_t rc = ORTO_Suggest(sid, w.c_str(), depth, list, sizeof list, scores, 8);
+            require(rc <= 0, "suggestion result");
+        }
+}
+
 /* The walk, and the found-again rule for ascending segments. */
 inline void walk(int16_t sid, int16_t lex, CLex *clex)
 {
@@ -82,6 +124,7 @@ inline void walk(int16_t sid, int16_t lex, CLex *clex)
         while (const char *w = CLex_NextWord(&cur))
             words.push_back(w);
         require(!cur.damaged || seg->key[2] == 0 || !seg->text, "loaded segment doesn't decode");
+        checkDecoded(clex, seg, words);
         bool ascending = seg->key[2] != 0 && memchr(seg->key, 0, 3) == nullptr;
         for (size_t k = 1; k < words.size() && ascending; k++)
             ascending = strcmp(words[k - 1].c_str(), words[k].c_str()) < 0;
@@ -124,6 +167,12 @@ inline void runOne(const uint8_t *data, size_t size, const char *path)
             lookups(sid, lex, l->clex);
             walk(sid, lex, l->clex);
             lookups(sid, lex, l->clex);
+            std::vector<std::string> probes = {"walkng", "Wlak", "a"};
+            if (l->clex->segmentCount > 0)
+                probes.push_back(std::string(l->clex->segments[0]->key,
+                                             strnlen(l->clex->segments[0]->key, 3)) + "x");
+            suggestions(sid, probes);
+            checkBudget(l->clex);
         }
         ORTO_CloseLex(sid, lex);
     }

@@ -51,8 +51,10 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
         if (count == 0 || sharedLength(w, before) < CLexGroupShared)
             groups++;
         count++;
-        chars += SegKeySize + cur.tailLength + 1;
-        memcpy(before, w, SegKeySize + cur.tailLength + 1);
+        /* as a string: a damaged key may hold a NUL */
+        u32 n = (u32)strlen(w);
+        chars += n + 1;
+        memcpy(before, w, n + 1);
     }
     if (cur.damaged || count == 0)
         return;
@@ -80,7 +82,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     const char *previous = "";
     CLex_StartSegment(&cur, clex, segment);
     while (const char *w = CLex_NextWord(&cur)) {
-        u32 n = SegKeySize + cur.tailLength;
+        u32 n = (u32)strlen(w);
         u32 s = sharedLength(w, previous);
         if (i == 0 || s < CLexGroupShared) {
             if (i > 0)

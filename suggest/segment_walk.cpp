@@ -139,11 +139,10 @@ static inline i32 eventsAtLeast(u32 wordRest, u32 candAll, u32 candSure, i32 d)
     return word + (d < 0 ? -d : 0);
 }
 
-/* Built twice, and the loader picks the build with the processor's own
- * bit count where it has one: without it, each count is a library call. */
-__attribute__((target_clones("popcnt", "default")))
-bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
-                     i16 lowestFloor)
+/* The walk proper, inlined into the two builds below. */
+__attribute__((always_inline)) static inline bool walkWords(const CLexSegment *segment,
+                                                            const ScoreProbe *probe,
+                                                            SuggestionList *list, i16 lowestFloor)
 {
     if (!segment->words || !segment->key[2])
         return false;
@@ -282,3 +281,35 @@ bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, Sugges
     }
     return true;
 }
+
+/* On x86 built twice, and the build with the processor's own bit count
+ * serves where it has one: without it, each count is a library call. */
+#if defined(__x86_64__) || defined(__i386__)
+__attribute__((target("popcnt"))) static bool walkWordsCounting(const CLexSegment *segment,
+                                                                const ScoreProbe *probe,
+                                                                SuggestionList *list,
+                                                                i16 lowestFloor)
+{
+    return walkWords(segment, probe, list, lowestFloor);
+}
+
+static bool walkWordsPlain(const CLexSegment *segment, const ScoreProbe *probe,
+                           SuggestionList *list, i16 lowestFloor)
+{
+    return walkWords(segment, probe, list, lowestFloor);
+}
+
+bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
+                     i16 lowestFloor)
+{
+    static const bool counting = __builtin_cpu_supports("popcnt");
+    return counting ? walkWordsCounting(segment, probe, list, lowestFloor)
+                    : walkWordsPlain(segment, probe, list, lowestFloor);
+}
+#else
+bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
+                     i16 lowestFloor)
+{
+    return walkWords(segment, probe, list, lowestFloor);
+}
+#endif

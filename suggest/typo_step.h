@@ -1,7 +1,7 @@
 /*
  * typo_step.h -- one decision of the typographical measure, shared by the
  * measure itself (typo_score.cpp) and the walks that run it incrementally
- * (key_test.cpp, segment_walk.cpp), so that each can have it inline.
+ * (suggest_walk.cpp, segment_walk.cpp), so that each can have it inline.
  */
 #ifndef ORTO_SUGGEST_TYPO_STEP_H
 #define ORTO_SUGGEST_TYPO_STEP_H

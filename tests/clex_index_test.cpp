@@ -88,6 +88,17 @@ struct ClexIndex : ::testing::Test {
         writeFile(path, clexb::fileOfWords(0x616D, list, Suffixes));
         return ORTO_OpenLex(sid, path.c_str(), budget);
     }
+    // With a budget that holds only the larger of the segments "con" and
+    // "dog", so that each evicts the other.
+    int16_t openRoomForOne(const std::set<std::string> &words)
+    {
+        int16_t lex = open(words, 0);
+        if (lex < 0)
+            return lex;
+        uint32_t room = std::max(segment(lex, "con")->length, segment(lex, "dog")->length);
+        ORTO_CloseLex(sid, lex);
+        return open(words, room);
+    }
     CLex *clex(int16_t lex) { return SessionTable[sid]->lexSlots[lex]->clex; }
     CLexSegment *segment(int16_t lex, const char *key) { return CLex_FindSegment(clex(lex), key); }
     int16_t find(int16_t lex, const std::string &word)
@@ -198,14 +209,7 @@ TEST_F(ClexIndex, ShortSegmentsHaveNoneAndEvictionFreesIt)
     for (int i = 0; i < (int)CLexIndexMinRecords; i++)
         words.insert("dog" + std::string(1, (char)('a' + i % 26)) + std::to_string(i));
     std::string probe = *words.rbegin();
-    int16_t lex = open(words, 0);
-    ASSERT_GE(lex, 0);
-    uint32_t conLength = segment(lex, "con")->length;
-    uint32_t dogLength = segment(lex, "dog")->length;
-    ORTO_CloseLex(sid, lex);
-
-    // a budget that holds one of the two segments at a time
-    lex = open(words, std::max(conLength, dogLength));
+    int16_t lex = openRoomForOne(words);
     ASSERT_GE(lex, 0);
     CLexSegment *con = segment(lex, "con");
     CLexSegment *dog = segment(lex, "dog");
@@ -231,13 +235,7 @@ TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
     std::set<std::string> words = conWords(300);
     for (int i = 0; i < 40; i++)
         words.insert("dog" + std::string(1, (char)('a' + i % 26)) + std::to_string(i));
-    int16_t lex = open(words, 0);
-    ASSERT_GE(lex, 0);
-    uint32_t conLength = segment(lex, "con")->length;
-    uint32_t dogLength = segment(lex, "dog")->length;
-    ORTO_CloseLex(sid, lex);
-
-    lex = open(words, std::max(conLength, dogLength));
+    int16_t lex = openRoomForOne(words);
     ASSERT_GE(lex, 0);
     CLexSegment *con = segment(lex, "con");
     CLexSegment *dog = segment(lex, "dog");

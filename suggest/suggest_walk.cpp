@@ -147,10 +147,11 @@ constexpr int EstimateRoom = 64;
 /*
  * A floor that the list is sure to reach by the end of a typographical walk
  * that starts on an empty list, from a first walk into a list of its own
- * over the segments whose keys begin with the word's first two characters
- * (as written, and with the first in small letters): the best candidates
- * of most words stand there, and the rest of the walk then weighs every
- * word against that floor from its first segment on.
+ * over the segments whose keys begin with the word's first two characters,
+ * or its first and third (as written, and with the first in small
+ * letters): the best candidates of most words stand there, and the rest of
+ * the walk then weighs every word against that floor from its first
+ * segment on.
  *
  * Why it is safe: with an empty list at the start, and one text always
  * bearing one score within a walk, the list after any number of offers is

@@ -259,5 +259,14 @@ TEST(BoundedWalks, GiveTheListsOfThePlainWalksOnTheBundledLexicon)
                                       "goverment", "becuase"};
     for (int n = 0; n < 6; n++)
         words.push_back(make.misspell(words[n]));
+    /* and slips in words of the list itself, with their capitals, accents
+     * and apostrophes, so that the letter bounds meet real segments */
+    std::vector<std::string> listed;
+    std::string text = readFile(std::string(ORTO_SOURCE_DIR) + "/data/en-US.txt");
+    for (size_t at = 0, eol; (eol = text.find("\r\n", at)) != std::string::npos; at = eol + 2)
+        listed.push_back(text.substr(at, eol - at));
+    ASSERT_GT(listed.size(), 1000u);
+    for (int n = 0; n < 40; n++)
+        words.push_back(make.misspell(listed[make.pick((unsigned)listed.size())]));
     compareRuns(s.sid, words, {30, 60}, {1, 10});
 }

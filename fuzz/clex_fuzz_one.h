@@ -72,12 +72,14 @@ inline void lookups(int16_t sid, int16_t lex, const CLex *clex)
 }
 
 /* The decoded form of a resident segment against the cursor's words. */
-inline void checkDecoded(const CLex *clex, CLexSegment *seg, const std::vector<std::string> &words)
+inline void checkDecoded(CLex *clex, u32 index, const std::vector<std::string> &words)
 {
+    CLexSegment *seg = clex->segments[index];
     if (!seg->text || seg->key[2] == 0)
         return;
     if (!seg->words)
-        CLex_BuildWords(clex, seg);
+        CLex_BuildWords(clex, index);
+    const CLexSummary *summary = &clex->summaries[index];
     const CLexWords *d = seg->words;
     if (!d)
         return; /* out of memory: the walks decode the text themselves */
@@ -86,7 +88,7 @@ inline void checkDecoded(const CLex *clex, CLexSegment *seg, const std::vector<s
     for (size_t k = 0; k < words.size(); k++) {
         require(words[k] == CLex_WordsChars(d) + CLex_WordsAt(d)[k], "decoded word");
         require(length[k] == words[k].size(), "decoded length");
-        require(seg->minLength <= length[k] && length[k] <= seg->maxLength, "segment lengths");
+        require(summary->minLength <= length[k] && length[k] <= summary->maxLength, "segment lengths");
         size_t s = 0;
         const std::string before = k ? words[k - 1] : std::string();
         while (s < before.size() && s < words[k].size() && before[s] == words[k][s])
@@ -124,7 +126,7 @@ inline void walk(int16_t sid, int16_t lex, CLex *clex)
         while (const char *w = CLex_NextWord(&cur))
             words.push_back(w);
         require(!cur.damaged || seg->key[2] == 0 || !seg->text, "loaded segment doesn't decode");
-        checkDecoded(clex, seg, words);
+        checkDecoded(clex, i, words);
         bool ascending = seg->key[2] != 0 && memchr(seg->key, 0, 3) == nullptr;
         for (size_t k = 1; k < words.size() && ascending; k++)
             ascending = strcmp(words[k - 1].c_str(), words[k].c_str()) < 0;

@@ -34,10 +34,6 @@ struct CLexSegment {
     unsigned char *text; /* the text while resident, else null */
     CLexIndex *index;    /* checkpoints over the resident text of a long segment, else null */
     CLexWords *words;    /* the resident text decoded, once a walk has asked for it, else null */
-    u32 letters;         /* CLex_LetterBit of every character of its words, or-ed together,
-                          * and their shortest and longest length: known (maxLength above 0)
-                          * once the text has been decoded, and kept when it is evicted */
-    unsigned char minLength, maxLength;
     u32 lastUse;         /* useClock at the last loadSeg */
     char key[SegKeySize]; /* first three characters; a 1-2 character word padded with NUL */
     unsigned char indexTried; /* 1 once CLex_BuildIndex ran over the resident text */
@@ -46,6 +42,16 @@ struct CLexSegment {
 /* Segment records come from chunks of this many; records are never freed
  * one by one, the whole pool goes at CLex_Close. */
 constexpr u32 CLexPoolChunkRecords = 1000;
+
+/* What a walk may know of a segment's words without its text: CLex_LetterBit
+ * of every character of them, or-ed together, and their shortest and
+ * longest length.  Known (maxLength above 0) once the text has been
+ * decoded, and kept when it is evicted.  Apart from the records, so that a
+ * walk that rules a segment out reads eight bytes of a packed array. */
+struct CLexSummary {
+    u32 letters;
+    unsigned char minLength, maxLength;
+};
 
 struct CLexPoolChunk {
     CLexPoolChunk *next;                         /* the chunk allocated before */
@@ -77,6 +83,7 @@ struct CLex {
     char *extendedText;        /* the extended suffix table as read */
     u32 fileLoads;             /* times loadSeg went to the file: shows cache hits to tests */
     u32 *keyValues;            /* key of segments[i] as a 24-bit number, for the search */
+    CLexSummary *summaries;    /* of segments[i], zero until known */
     u32 firstSegment[257];     /* segments whose key begins with byte b: [firstSegment[b], firstSegment[b + 1]) */
 };
 
@@ -243,10 +250,10 @@ inline const char *CLex_WordsChars(const CLexWords *w)
     return (const char *)(CLex_WordsLength(w) + w->count);
 }
 
-/* Sets segment->words from its resident, checked text, and the segment's
- * letters and lengths; words stays null when the segment has no text, is a
- * one- or two-character key, or no memory is left. */
-void CLex_BuildWords(const CLex *clex, CLexSegment *segment);
+/* Sets words of segments[index] from its resident, checked text, and its
+ * summary; words stays null when the segment has no text, is a one- or
+ * two-character key, or no memory is left. */
+void CLex_BuildWords(CLex *clex, u32 index);
 /* Frees segment->words, if any. */
 void CLex_DropWords(CLexSegment *segment);
 

@@ -114,8 +114,10 @@ void CLex_Close(CLex *clex)
     }
     free(clex->segments);
     free(clex->keyValues);
+    free(clex->summaries);
     clex->segments = nullptr;
     clex->keyValues = nullptr;
+    clex->summaries = nullptr;
     clex->segmentCount = 0;
     poolFree(&clex->segmentPool);
     free(clex->simpleSuffixes);
@@ -219,7 +221,8 @@ static i16 readDirectory(CLex *clex, OpenState *st)
     unsigned char *records = (unsigned char *)malloc((size_t)bytes);
     clex->segments = (CLexSegment **)malloc(count * sizeof(CLexSegment *));
     clex->keyValues = (u32 *)malloc(count * sizeof(u32));
-    if (!records || !clex->segments || !clex->keyValues) {
+    clex->summaries = (CLexSummary *)calloc(count, sizeof(CLexSummary));
+    if (!records || !clex->segments || !clex->keyValues || !clex->summaries) {
         free(records);
         DebugLog("%s: out of memory", clex->fileName);
         return ORTO_OutOfMemory;
@@ -243,8 +246,6 @@ static i16 readDirectory(CLex *clex, OpenState *st)
         segment->text = nullptr;
         segment->index = nullptr;
         segment->words = nullptr;
-        segment->letters = 0;
-        segment->minLength = segment->maxLength = 0;
         segment->indexTried = 0;
         segment->lastUse = 0;
         clex->segments[clex->segmentCount++] = segment;

@@ -38,8 +38,9 @@ static u32 sharedLength(const char *a, const char *b)
     return s;
 }
 
-void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
+void CLex_BuildWords(CLex *clex, u32 index)
 {
+    CLexSegment *segment = clex->segments[index];
     segment->words = nullptr;
     if (!segment->text || segment->key[2] == 0)
         return;
@@ -121,9 +122,7 @@ void CLex_BuildWords(const CLex *clex, CLexSegment *segment)
     memset(shared + count, 0, CLexWordsPad);
     memset(text + used, 0, CLexWordsPad);
     segment->words = words;
-    segment->letters = allLetters;
-    segment->minLength = shortest;
-    segment->maxLength = longest;
+    clex->summaries[index] = {allLetters, shortest, longest};
 }
 
 void CLex_DropWords(CLexSegment *segment)

@@ -140,19 +140,20 @@ static inline i32 eventsAtLeast(u32 wordRest, u32 candAll, u32 candSure, i32 d)
 }
 
 /* The walk proper, inlined into the two builds below. */
-__attribute__((always_inline)) static inline bool walkWords(const CLexSegment *segment,
-                                                            const ScoreProbe *probe,
-                                                            SuggestionList *list, i16 lowestFloor)
+__attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index,
+                                                           const ScoreProbe *probe,
+                                                           SuggestionList *list, i16 lowestFloor,
+                                                           bool residentOnly)
 {
-    if (!segment->words || !segment->key[2])
-        return false;
+    u32 keyValue = clex->keyValues[index];
+    const char key[SegKeySize] = {(char)(keyValue >> 16), (char)(keyValue >> 8), (char)keyValue};
     const unsigned char *checked = (const unsigned char *)probe->word;
     i32 wordLength = probe->length;
     i32 full = typoFullPoints(wordLength);
     /* The trail starts as the run on the key, which every word of the
      * segment shares: its states up to candidate position 2 hold for all. */
     TypoTrail trail;
-    seedTrail(&trail, checked, segment->key, full);
+    seedTrail(&trail, checked, key, full);
     i32 common = SegKeySize; /* characters the current word shares with the trail's word */
 
     i16 floor = -1;
@@ -182,13 +183,28 @@ __attribute__((always_inline)) static inline bool walkWords(const CLexSegment *s
         return keyPoints - 40 * eventsAtLeast(keyRestLetters, allLetters, sureLetters, d) >=
                minPoints;
     };
-    /* the segment's own record holds its letters and lengths: its decoded
-     * words are not read at all when they fail */
-    if (!mayScore(segment->letters, 0, segment->minLength, segment->maxLength))
-        return true;
+    /* a segment decoded before is weighed by its summary, and not even
+     * loaded when it fails */
+    const CLexSummary *summary = &clex->summaries[index];
+    if (summary->maxLength &&
+        !mayScore(summary->letters, 0, summary->minLength, summary->maxLength))
+        return 0;
+    CLexSegment *segment = clex->segments[index];
+    if (residentOnly && !segment->text)
+        return 0;
+    if (!residentOnly) {
+        i16 rc = loadSeg(clex, segment);
+        if (rc < 0)
+            return rc;
+    }
+    if (!segment->words) {
+        CLex_BuildWords(clex, index);
+        if (!segment->words)
+            return 1;
+        if (!mayScore(summary->letters, 0, summary->minLength, summary->maxLength))
+            return 0;
+    }
     const CLexWords *words = segment->words;
-    if (words->text != segment->text)
-        return false;
     const CLexWordsGroup *groups = CLex_WordsGroups(words);
     const u32 *at = CLex_WordsAt(words);
     const u32 *letters = CLex_WordsLetters(words);
@@ -207,7 +223,7 @@ __attribute__((always_inline)) static inline bool walkWords(const CLexSegment *s
             return true;
         /* the key's last character and the group's fourth: all that the
          * step at the third looks at */
-        const unsigned char first[2] = {(unsigned char)segment->key[2], group->fourth};
+        const unsigned char first[2] = {(unsigned char)key[2], group->fourth};
         const unsigned char *w = checked + trail.wordAt[2], *c = first;
         i32 points = trail.pointsAt[2];
         typoStep(w, c, points);
@@ -267,7 +283,7 @@ __attribute__((always_inline)) static inline bool walkWords(const CLexSegment *s
                 if (listFloor(list) > floor) {
                     raiseFloor();
                     if (minPoints > full)
-                        return true; /* a full list of 100s takes nothing more */
+                        return 0; /* a full list of 100s takes nothing more */
                 }
             }
             /* the words that follow and share the cut beginning are out;
@@ -279,37 +295,37 @@ __attribute__((always_inline)) static inline bool walkWords(const CLexSegment *s
             }
         }
     }
-    return true;
+    return 0;
 }
 
 /* On x86 built twice, and the build with the processor's own bit count
  * serves where it has one: without it, each count is a library call. */
 #if defined(__x86_64__) || defined(__i386__)
-__attribute__((target("popcnt"))) static bool walkWordsCounting(const CLexSegment *segment,
-                                                                const ScoreProbe *probe,
-                                                                SuggestionList *list,
-                                                                i16 lowestFloor)
+__attribute__((target("popcnt"))) static i16 walkWordsCounting(CLex *clex, u32 index,
+                                                               const ScoreProbe *probe,
+                                                               SuggestionList *list,
+                                                               i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(segment, probe, list, lowestFloor);
+    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
 }
 
-static bool walkWordsPlain(const CLexSegment *segment, const ScoreProbe *probe,
-                           SuggestionList *list, i16 lowestFloor)
+static i16 walkWordsPlain(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
+                          i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(segment, probe, list, lowestFloor);
+    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
 }
 
-bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
-                     i16 lowestFloor)
+i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
+                    i16 lowestFloor, bool residentOnly)
 {
     static const bool counting = __builtin_cpu_supports("popcnt");
-    return counting ? walkWordsCounting(segment, probe, list, lowestFloor)
-                    : walkWordsPlain(segment, probe, list, lowestFloor);
+    return counting ? walkWordsCounting(clex, index, probe, list, lowestFloor, residentOnly)
+                    : walkWordsPlain(clex, index, probe, list, lowestFloor, residentOnly);
 }
 #else
-bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
-                     i16 lowestFloor)
+i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
+                    i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(segment, probe, list, lowestFloor);
+    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
 }
 #endif

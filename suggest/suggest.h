@@ -105,13 +105,16 @@ bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 
 bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
 
 /* ---- the walks ---- */
-/* The typographical walk over the decoded words of one resident segment
+/* The typographical walk of the segment segments[index] of `clex`, whose
+ * key has three characters and passed the key test, over its decoded words
  * (segment_walk.cpp), with the bounds of the typographical ScoreProbe.
  * Candidates at or below `lowestFloor` are known not to matter, whatever
- * the list's own floor.  False, with nothing done, when the segment has no
- * decoded words over its current text. */
-bool walkSegmentTypo(const CLexSegment *segment, const ScoreProbe *probe, SuggestionList *list,
-                     i16 lowestFloor);
+ * the list's own floor.  A segment that can't score above the floor is not
+ * loaded, once an earlier walk has decoded it; one that `residentOnly` finds
+ * out of memory is passed over.  0 when done; 1 when its words could not be
+ * decoded, and the caller must scan its text; or the code of a failed load. */
+i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
+                    i16 lowestFloor, bool residentOnly);
 void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list);
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex);
 

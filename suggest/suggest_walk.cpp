@@ -16,9 +16,11 @@
  * segment's decoded words go through segment_walk.cpp, which puts the same
  * question to the segment, its groups and each word before it scores one;
  * other measures put it to the segment by its key and decode through the
- * scanner's callback.  A segment that passes the key test is loaded all
- * the same, so that a load failure and the cache come out as they would
- * without the bounds.
+ * scanner's callback.  Under the typographical measure a segment that an
+ * earlier walk decoded is weighed by its summary before it is loaded, and
+ * stays on disk when it can't score; any other segment that passes the key
+ * test is loaded, so that a load failure comes out as it would without the
+ * bounds.
  */
 #include <string.h>
 
@@ -188,14 +190,10 @@ static i16 estimateFloor(CLex *clex, const char *word, const ScoreProbe *probe,
             if (value >> 8 != pair || (value & 0xFF) == 0)
                 continue;
             char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
-            CLexSegment *segment = clex->segments[i];
-            if (!segment->text ||
-                (keyTest->minScore > 0 &&
-                 keyTest->probe.measure(keyTest->wordKey, key) < keyTest->minScore))
+            if (keyTest->minScore > 0 &&
+                keyTest->probe.measure(keyTest->wordKey, key) < keyTest->minScore)
                 continue;
-            if (!segment->words)
-                CLex_BuildWords(clex, segment);
-            walkSegmentTypo(segment, probe, &first, 0);
+            walkSegmentTypo(clex, i, probe, &first, 0, true);
         }
     }
     return first.count == first.capacity ? first.entries[first.count - 1].score : 0;
@@ -220,13 +218,13 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
      * and a segment's record only when its key passes */
     for (u32 i = 0; i < clex->segmentCount; i++) {
         u32 value = clex->keyValues[i];
-        if ((value & 0xFF) == 0) {
-            scoreCandidate(word, clex->segments[i]->key, &context);
-            continue;
-        }
         key[0] = (char)(value >> 16);
         key[1] = (char)(value >> 8);
         key[2] = (char)value;
+        if (key[2] == 0) {
+            scoreCandidate(word, key, &context);
+            continue;
+        }
         if (keyTest.typo && !keyTestPair(&keyTest, key)) {
             while (i + 1 < clex->segmentCount && clex->keyValues[i + 1] >> 8 == value >> 8)
                 i++;
@@ -234,6 +232,13 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         }
         if (!keyPasses(&keyTest, key))
             continue;
+        if (probe.kind == ProbeTypo) {
+            i16 rc = walkSegmentTypo(clex, i, &probe, list, lowestFloor, false);
+            if (rc < 0)
+                return rc;
+            if (rc == 0)
+                continue;
+        }
         CLexSegment *segment = clex->segments[i];
         i16 rc = loadSeg(clex, segment);
         if (rc < 0)
@@ -241,10 +246,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         i16 floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
         if (!keyTest.typo && !probeSegmentMayScore(&probe, key, floor))
             continue;
-        if (probe.kind == ProbeTypo && !segment->words)
-            CLex_BuildWords(clex, segment);
-        if (probe.kind != ProbeTypo || !walkSegmentTypo(segment, &probe, list, lowestFloor))
-            CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
+        CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
     }
     return 0;
 }

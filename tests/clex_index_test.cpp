@@ -101,6 +101,14 @@ struct ClexIndex : ::testing::Test {
     }
     CLex *clex(int16_t lex) { return SessionTable[sid]->lexSlots[lex]->clex; }
     CLexSegment *segment(int16_t lex, const char *key) { return CLex_FindSegment(clex(lex), key); }
+    const CLexSummary *summary(int16_t lex, const CLexSegment *seg)
+    {
+        CLex *c = clex(lex);
+        for (u32 i = 0; i < c->segmentCount; i++)
+            if (c->segments[i] == seg)
+                return &c->summaries[i];
+        return nullptr;
+    }
     int16_t find(int16_t lex, const std::string &word)
     {
         return ORTO_FindLexWord(sid, lex, word.c_str(), nullptr, 0);
@@ -269,14 +277,15 @@ TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
             longest = std::max(longest, w.size());
         }
         EXPECT_EQ(shared[expected.size()], 0); // ends every run of shared words
-        EXPECT_EQ(con->minLength, shortest);
-        EXPECT_EQ(con->maxLength, longest);
+        const CLexSummary *known = summary(lex, con);
+        EXPECT_EQ(known->minLength, shortest);
+        EXPECT_EQ(known->maxLength, longest);
 
         // opening "dog" evicts "con", and its decoded words with it
         ASSERT_EQ(ORTO_Suggest(sid, "dogz", 0, list, sizeof list, scores, 8), 0);
         EXPECT_EQ(con->text, nullptr);
         EXPECT_EQ(con->words, nullptr);
-        EXPECT_EQ(con->maxLength, longest); // the summary outlives the text
+        EXPECT_EQ(known->maxLength, longest); // the summary outlives the text
         EXPECT_NE(dog->words, nullptr);
     }
     ORTO_CloseLex(sid, lex);

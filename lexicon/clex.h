@@ -183,8 +183,10 @@ int CLex_IndexStart(const CLexIndex *index, const unsigned char *target, u32 *fr
 
 /* ---- A segment decoded (clex_words.cpp) ---- */
 
-/* Zero bytes behind the shared counts and behind the last word. */
-constexpr u32 CLexWordsPad = 16;
+/* Zero bytes behind the shared counts and behind the last word: a reader
+ * may load 32 bytes from any word, or eight elements from any array, and
+ * stay within the allocation. */
+constexpr u32 CLexWordsPad = 32;
 
 /* Words that share this many first characters stand in one group. */
 constexpr u32 CLexGroupShared = SegKeySize + 1;

@@ -26,6 +26,9 @@
  */
 #include <limits.h>
 #include <string.h>
+#if defined(__x86_64__) || defined(__i386__)
+#include <immintrin.h>
+#endif
 
 #include "lexicon/clex.h"
 #include "lexicon/clex_format.h"
@@ -139,7 +142,109 @@ static inline i32 eventsAtLeast(u32 wordRest, u32 candAll, u32 candSure, i32 d)
     return word + (d < 0 ? -d : 0);
 }
 
-/* The walk proper, inlined into the two builds below. */
+/* Characters that the words a and b share at their start; each can be
+ * read 16 bytes on from its NUL. */
+static inline i32 commonLength(const char *a, const char *b)
+{
+#if defined(__x86_64__)
+    const __m128i zero = _mm_setzero_si128();
+    for (i32 k = 0;; k += 16) {
+        __m128i x = _mm_loadu_si128((const __m128i *)(a + k));
+        __m128i y = _mm_loadu_si128((const __m128i *)(b + k));
+        u32 stop = ~(u32)_mm_movemask_epi8(_mm_cmpeq_epi8(x, y)) |
+                   (u32)_mm_movemask_epi8(_mm_cmpeq_epi8(x, zero));
+        if (stop & 0xFFFF)
+            return k + __builtin_ctz(stop);
+    }
+#else
+    i32 k = 0;
+    while (a[k] && a[k] == b[k])
+        k++;
+    return k;
+#endif
+}
+
+/* What each word of a segment is weighed against, from the state of the
+ * run at the key: it passes when its length is in [shortest, longest] and
+ * eventsAtLeast(rest, its letters, its letters behind the key, reach - its
+ * length) is at most maxEvents. */
+struct WordBound {
+    i32 shortest, longest; /* lengths the floor lets in */
+    i32 reach;             /* what the key's state has left of the word, plus the key's position */
+    u32 rest;              /* the letters left in the checked word */
+    i32 maxEvents;         /* mismatches the key's points can still pay for, -1 for none */
+};
+
+/* One bit for each of the n words (n at most 64) that passes `bound`. */
+__attribute__((always_inline)) static inline uint64_t passMask(const WordBound *bound,
+                                                          const unsigned char *lengths,
+                                                          const u32 *letters,
+                                                          const u32 *tailLetters, u32 n)
+{
+    uint64_t mask = 0;
+    for (u32 k = 0; k < n; k++) {
+        i32 length = lengths[k];
+        bool pass = (length >= bound->shortest) & (length <= bound->longest) &
+                    (eventsAtLeast(bound->rest, letters[k], tailLetters[k],
+                                   bound->reach - length) <= bound->maxEvents);
+        mask |= (uint64_t)pass << k;
+    }
+    return mask;
+}
+
+#if defined(__x86_64__) || defined(__i386__)
+/* Bits set in each 32-bit lane: the counts of the two halves of each byte
+ * from a table of 16, summed over the four bytes of the lane. */
+__attribute__((target("avx2"), always_inline)) static inline __m256i lanePopcount(__m256i v)
+{
+    const __m256i table = _mm256_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4, 0, 1, 1,
+                                           2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
+    const __m256i low = _mm256_set1_epi8(0x0F);
+    __m256i counts = _mm256_add_epi8(
+        _mm256_shuffle_epi8(table, _mm256_and_si256(v, low)),
+        _mm256_shuffle_epi8(table, _mm256_and_si256(_mm256_srli_epi16(v, 4), low)));
+    return _mm256_madd_epi16(_mm256_maddubs_epi16(counts, _mm256_set1_epi8(1)),
+                             _mm256_set1_epi16(1));
+}
+
+/* passMask, eight words at a time (a call of its own, since the walk that
+ * calls it is built for other processors too).  The loads of the last
+ * eight may run past the n words into the padding of the decoded
+ * segment; the bits of those lanes are dropped. */
+__attribute__((target("avx2"), noinline)) static uint64_t
+passMaskWide(const WordBound *bound, const unsigned char *lengths, const u32 *letters,
+             const u32 *tailLetters, u32 n)
+{
+    const __m256i zero = _mm256_setzero_si256();
+    const __m256i rest = _mm256_set1_epi32((int)bound->rest);
+    const __m256i reach = _mm256_set1_epi32(bound->reach);
+    const __m256i belowShortest = _mm256_set1_epi32(bound->shortest - 1);
+    const __m256i aboveLongest = _mm256_set1_epi32(bound->longest + 1);
+    const __m256i tooMany = _mm256_set1_epi32(bound->maxEvents + 1);
+    uint64_t mask = 0;
+    for (u32 k = 0; k < n; k += 8) {
+        __m256i length = _mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i *)(lengths + k)));
+        __m256i all = _mm256_loadu_si256((const __m256i *)(letters + k));
+        __m256i sure = _mm256_loadu_si256((const __m256i *)(tailLetters + k));
+        /* eventsAtLeast, lane by lane */
+        __m256i d = _mm256_sub_epi32(reach, length);
+        __m256i word = lanePopcount(_mm256_andnot_si256(all, rest));
+        __m256i cand = _mm256_add_epi32(lanePopcount(_mm256_andnot_si256(rest, sure)), d);
+        __m256i events = _mm256_max_epi32(_mm256_max_epi32(word, cand), d);
+        events = _mm256_add_epi32(events, _mm256_max_epi32(_mm256_sub_epi32(zero, d), zero));
+        __m256i pass = _mm256_and_si256(
+            _mm256_and_si256(_mm256_cmpgt_epi32(length, belowShortest),
+                             _mm256_cmpgt_epi32(aboveLongest, length)),
+            _mm256_cmpgt_epi32(tooMany, events));
+        mask |= (uint64_t)(u32)_mm256_movemask_ps(_mm256_castsi256_ps(pass)) << k;
+    }
+    return n < 64 ? mask & ((1ull << n) - 1) : mask;
+}
+#endif
+
+/* The walk proper, inlined into the builds below; Wide ones weigh words
+ * eight at a time. */
+template <bool Wide>
 __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index,
                                                            const ScoreProbe *probe,
                                                            SuggestionList *list, i16 lowestFloor,
@@ -154,7 +259,6 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
      * segment shares: its states up to candidate position 2 hold for all. */
     TypoTrail trail;
     seedTrail(&trail, checked, key, full);
-    i32 common = SegKeySize; /* characters the current word shares with the trail's word */
 
     i16 floor = -1;
     i32 minPoints = 0, shortest = 0, longest = 0;
@@ -205,64 +309,56 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
             return 0;
     }
     const CLexWords *words = segment->words;
-    const CLexWordsGroup *groups = CLex_WordsGroups(words);
     const u32 *at = CLex_WordsAt(words);
     const u32 *letters = CLex_WordsLetters(words);
     const u32 *tailLetters = CLex_WordsTailLetters(words);
-    const unsigned char *shared = CLex_WordsShared(words);
     const unsigned char *lengths = CLex_WordsLength(words);
     const char *chars = CLex_WordsChars(words);
 
-    /* A group's fourth character is known, and with it the decision of the
-     * run at the third, when the key leaves one to make: from the state
-     * behind it, a fourth character that stands against another letter
-     * costs 40 or more, whatever follows. */
-    const bool thirdOpen = trail.length == 3 && trail.resumeFrom[2] == 2 && checked[trail.wordAt[2]];
-    auto groupMayScore = [&](const CLexWordsGroup *group) __attribute__((always_inline)) {
-        if (!thirdOpen || group->minLength <= SegKeySize)
-            return true;
-        /* the key's last character and the group's fourth: all that the
-         * step at the third looks at */
-        const unsigned char first[2] = {(unsigned char)key[2], group->fourth};
-        const unsigned char *w = checked + trail.wordAt[2], *c = first;
-        i32 points = trail.pointsAt[2];
-        typoStep(w, c, points);
-        i32 wi = (i32)(w - checked) + 1, ci = (i32)(c - first) + 3;
-        i32 rest = wordLength - wi;
-        i32 dLow = rest - (group->maxLength - ci), dHigh = rest - (group->minLength - ci);
-        i32 d = dHigh < 0 ? dHigh : dLow > 0 ? dLow : 0;
-        i32 events = eventsAtLeast(probe->restLetters[wi], group->tailLetters,
-                                   ci == (i32)SegKeySize ? group->sureLetters : 0, d);
-        if (ci == (i32)SegKeySize && checked[wi] && baseLetter[checked[wi]] != baseLetter[group->fourth])
-            events = events > 1 ? events : 1;
-        return points - 40 * events >= minPoints;
+    /* Every word is weighed first by its length and letters against the
+     * state of the key, 64 at a time and without a branch; only the few
+     * that pass are looked at one by one. */
+    WordBound bound;
+    auto setBound = [&]() __attribute__((always_inline)) {
+        bound.shortest = shortest;
+        bound.longest = longest;
+        bound.reach = keyRest + keyAt;
+        bound.rest = keyRestLetters;
+        bound.maxEvents = keyPoints >= minPoints ? (keyPoints - minPoints) / 40 : -1;
     };
-
-    u32 i = 0;
-    for (u32 g = 0; g < words->groupCount; g++) {
-        const CLexWordsGroup *group = &groups[g];
-        if (i >= group->end)
-            continue; /* passed with a run of shared words */
-        if (!mayScore(group->letters, group->sureLetters, group->minLength, group->maxLength) ||
-            !groupMayScore(group)) {
-            if (shared[i] < common)
-                common = shared[i]; /* the rest of the group shares more */
-            i = group->end;
-            continue;
-        }
-        for (; i < group->end; i++) {
-            if (shared[i] < common)
-                common = shared[i];
+    setBound();
+    /* The word of the trail's run, at first the key; both it and the
+     * words of the segment may be read 32 bytes on from their start. */
+    char keyWord[32] = {key[0], key[1], key[2]};
+    const char *trailWord = keyWord;
+    i32 trailLength = (i32)strlen(keyWord);
+    i32 sealed = WordSize; /* a cut run's beginning: words that share it are out */
+    const u32 count = words->count;
+    for (u32 base = 0; base < count; base += 64) {
+        u32 n = count - base < 64 ? count - base : 64;
+        uint64_t pass;
+#if defined(__x86_64__) || defined(__i386__)
+        if constexpr (Wide)
+            pass = passMaskWide(&bound, lengths + base, letters + base, tailLetters + base, n);
+        else
+#endif
+            pass = passMask(&bound, lengths + base, letters + base, tailLetters + base, n);
+        while (pass) {
+            u32 i = base + (u32)__builtin_ctzll(pass);
+            pass &= pass - 1;
+            const char *candidate = chars + at[i];
             i32 candLength = lengths[i];
-            /* the length and the letters, weighed first against the state
-             * of the key (the same for all), then against the state the
-             * run would start from; from a state at the fourth character,
-             * the characters behind the key are all that is left */
-            if ((candLength < shortest) | (candLength > longest) |
-                (keyPoints - 40 * eventsAtLeast(keyRestLetters, letters[i], tailLetters[i],
-                                                keyRest - (candLength - keyAt)) <
-                 minPoints))
+            /* characters it shares with the trail's word */
+            i32 common = commonLength(trailWord, candidate);
+            common = common < candLength ? common : candLength;
+            common = common < trailLength ? common : trailLength;
+            if (common >= sealed)
                 continue;
+            if (candLength < shortest || candLength > longest)
+                continue; /* the floor rose since the mask was made */
+            /* the letters again, against the state the run would start
+             * from; from a state at the fourth character, the characters
+             * behind the key are all that is left */
             i32 reach = common < trail.length ? common : trail.length;
             i32 j = trail.resumeFrom[reach > 0 ? reach - 1 : 0];
             i32 wi = trail.wordAt[j];
@@ -273,59 +369,73 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
                 minPoints)
                 continue;
 
-            const char *candidate = chars + at[i];
             i32 cutAt;
             i32 points = runTrail(checked, wordLength, (const unsigned char *)candidate,
                                   candLength, minPoints, &trail, j, &cutAt);
-            common = candLength;
+            trailWord = candidate;
+            trailLength = candLength;
+            /* the words that follow and share the cut beginning are out */
+            sealed = cutAt >= 0 ? cutAt + 1 : WordSize;
             if (points >= minPoints) {
                 addSuggestion(candidate, (i16)(points * 100 / full), list);
                 if (listFloor(list) > floor) {
                     raiseFloor();
                     if (minPoints > full)
                         return 0; /* a full list of 100s takes nothing more */
+                    setBound();
                 }
-            }
-            /* the words that follow and share the cut beginning are out;
-             * the shared count 0 behind the last word ends the run */
-            if (cutAt >= 0) {
-                u32 sealed = (u32)cutAt + 1;
-                while (shared[i + 1] >= sealed)
-                    i++;
             }
         }
     }
     return 0;
 }
 
-/* On x86 built twice, and the build with the processor's own bit count
- * serves where it has one: without it, each count is a library call. */
+/* On x86 built three times: with the vector instructions of AVX2, with
+ * the processor's own bit count, and for any x86.  The best that the
+ * processor has serves: without a bit count of its own, each count is a
+ * library call. */
 #if defined(__x86_64__) || defined(__i386__)
+__attribute__((target("avx2,popcnt"))) static i16 walkWordsWide(CLex *clex, u32 index,
+                                                                const ScoreProbe *probe,
+                                                                SuggestionList *list,
+                                                                i16 lowestFloor, bool residentOnly)
+{
+    return walkWords<true>(clex, index, probe, list, lowestFloor, residentOnly);
+}
+
 __attribute__((target("popcnt"))) static i16 walkWordsCounting(CLex *clex, u32 index,
                                                                const ScoreProbe *probe,
                                                                SuggestionList *list,
                                                                i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
 }
 
 static i16 walkWordsPlain(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                           i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
+}
+
+typedef i16 (*WalkWords)(CLex *, u32, const ScoreProbe *, SuggestionList *, i16, bool);
+
+static WalkWords pickWalk()
+{
+    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt"))
+        return walkWordsWide;
+    return __builtin_cpu_supports("popcnt") ? walkWordsCounting : walkWordsPlain;
 }
 
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly)
 {
-    static const bool counting = __builtin_cpu_supports("popcnt");
-    return counting ? walkWordsCounting(clex, index, probe, list, lowestFloor, residentOnly)
-                    : walkWordsPlain(clex, index, probe, list, lowestFloor, residentOnly);
+    static const WalkWords walk = pickWalk();
+    return walk(clex, index, probe, list, lowestFloor, residentOnly);
 }
 #else
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly)
 {
-    return walkWords(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
 }
 #endif

@@ -96,31 +96,63 @@ static inline i32 runTrail(const unsigned char *word, i32 wordLength, const unsi
 
 /* The states of the run on a segment key at candidate positions 0 to 2,
  * as far as the three characters decide them (the decision at position 2
- * looks at the fourth). */
-static void seedTrail(TypoTrail *trail, const unsigned char *word, const char *key, i32 full)
+ * looks at the fourth).  The decision at position 0 looks at the key's
+ * first two characters alone, and keys come in order: what it gives is
+ * kept in `seed` for the next key with the same two. */
+static void seedTrail(TypoTrail *trail, const unsigned char *word, const char *key, i32 full,
+                      TypoSeed *seed)
 {
     const unsigned char piece[4] = {(unsigned char)key[0], (unsigned char)key[1],
                                     (unsigned char)key[2], 0};
-    i32 wi = 0, ci = 0, points = full;
-    for (;;) {
-        trail->wordAt[ci] = (i16)wi;
-        trail->pointsAt[ci] = points;
-        trail->resumeFrom[ci] = (i16)ci;
-        trail->length = ci + 1;
-        if (ci == 2 || !word[wi] || points < 1)
-            return;
-        const unsigned char *w = word + wi, *c = piece + ci;
-        typoStep(w, c, points);
-        i32 next = (i32)(c - piece) + 1;
-        if (next == ci + 2) {
-            trail->resumeFrom[ci + 1] = (i16)ci;
-            trail->length = ci + 2;
+    u32 pair = (u32)piece[0] << 8 | piece[1];
+    if (seed->pair != pair) {
+        seed->pair = pair;
+        seed->wordAt[0] = 0;
+        seed->pointsAt[0] = full;
+        seed->resumeFrom[0] = 0;
+        seed->length = 1;
+        seed->open = word[0] && full >= 1;
+        if (seed->open) {
+            const unsigned char *w = word, *c = piece;
+            i32 points = full;
+            typoStep(w, c, points);
+            i32 next = (i32)(c - piece) + 1;
+            if (next == 2) {
+                seed->wordAt[1] = 0;
+                seed->pointsAt[1] = 0;
+                seed->resumeFrom[1] = 0; /* stepped over */
+            }
+            seed->wordAt[next] = (i16)(w - word + 1);
+            seed->pointsAt[next] = points;
+            seed->resumeFrom[next] = (i16)next;
+            seed->length = next + 1;
+            seed->open = next == 1;
         }
-        if (next > 2)
-            return; /* position 3 is no longer the key's alone */
-        wi = (i32)(w - word) + 1;
-        ci = next;
     }
+    for (i32 k = 0; k < seed->length; k++) {
+        trail->wordAt[k] = seed->wordAt[k];
+        trail->pointsAt[k] = seed->pointsAt[k];
+        trail->resumeFrom[k] = seed->resumeFrom[k];
+    }
+    trail->length = seed->length;
+    if (!seed->open)
+        return;
+    /* the decision at position 1, which looks at the key's third character */
+    i32 wi = trail->wordAt[1], points = trail->pointsAt[1];
+    if (!word[wi] || points < 1)
+        return;
+    const unsigned char *w = word + wi, *c = piece + 1;
+    typoStep(w, c, points);
+    i32 next = (i32)(c - piece) + 1;
+    if (next == 3) {
+        trail->resumeFrom[2] = 1; /* stepped over; position 3 is no longer the key's alone */
+        trail->length = 3;
+        return;
+    }
+    trail->wordAt[2] = (i16)(w - word + 1);
+    trail->pointsAt[2] = points;
+    trail->resumeFrom[2] = 2;
+    trail->length = 3;
 }
 
 /*
@@ -248,7 +280,8 @@ template <bool Wide>
 __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index,
                                                            const ScoreProbe *probe,
                                                            SuggestionList *list, i16 lowestFloor,
-                                                           bool residentOnly)
+                                                           bool residentOnly,
+                                                           TypoSeed *seed)
 {
     u32 keyValue = clex->keyValues[index];
     const char key[SegKeySize] = {(char)(keyValue >> 16), (char)(keyValue >> 8), (char)keyValue};
@@ -258,7 +291,7 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
     /* The trail starts as the run on the key, which every word of the
      * segment shares: its states up to candidate position 2 hold for all. */
     TypoTrail trail;
-    seedTrail(&trail, checked, key, full);
+    seedTrail(&trail, checked, key, full, seed);
 
     i16 floor = -1;
     i32 minPoints = 0, shortest = 0, longest = 0;
@@ -331,7 +364,7 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
      * words of the segment may be read 32 bytes on from their start. */
     char keyWord[32] = {key[0], key[1], key[2]};
     const char *trailWord = keyWord;
-    i32 trailLength = (i32)strlen(keyWord);
+    i32 trailLength = !key[0] ? 0 : !key[1] ? 1 : !key[2] ? 2 : 3;
     i32 sealed = WordSize; /* a cut run's beginning: words that share it are out */
     const u32 count = words->count;
     for (u32 base = 0; base < count; base += 64) {
@@ -398,26 +431,26 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
 __attribute__((target("avx2,popcnt"))) static i16 walkWordsWide(CLex *clex, u32 index,
                                                                 const ScoreProbe *probe,
                                                                 SuggestionList *list,
-                                                                i16 lowestFloor, bool residentOnly)
+                                                                i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    return walkWords<true>(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<true>(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 
 __attribute__((target("popcnt"))) static i16 walkWordsCounting(CLex *clex, u32 index,
                                                                const ScoreProbe *probe,
                                                                SuggestionList *list,
-                                                               i16 lowestFloor, bool residentOnly)
+                                                               i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 
 static i16 walkWordsPlain(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
-                          i16 lowestFloor, bool residentOnly)
+                          i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 
-typedef i16 (*WalkWords)(CLex *, u32, const ScoreProbe *, SuggestionList *, i16, bool);
+typedef i16 (*WalkWords)(CLex *, u32, const ScoreProbe *, SuggestionList *, i16, bool, TypoSeed *);
 
 static WalkWords pickWalk()
 {
@@ -427,15 +460,15 @@ static WalkWords pickWalk()
 }
 
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
-                    i16 lowestFloor, bool residentOnly)
+                    i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
     static const WalkWords walk = pickWalk();
-    return walk(clex, index, probe, list, lowestFloor, residentOnly);
+    return walk(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 #else
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
-                    i16 lowestFloor, bool residentOnly)
+                    i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly);
+    return walkWords<false>(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 #endif

@@ -105,6 +105,18 @@ bool typoSegmentMayScore(const char *word, i16 wordLength, const char *key, i16 
 bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
 
 /* ---- the walks ---- */
+/* The start of the typographical run on the last segment key walked, as
+ * far as its first two characters decide it, for the next key that
+ * shares them (segment_walk.cpp).  `pair` is ~0 before the first. */
+struct TypoSeed {
+    u32 pair;          /* the key's first two characters */
+    i32 length;        /* positions set below */
+    bool open;         /* the decision at position 1 is still to make */
+    i16 wordAt[3];
+    i32 pointsAt[3];
+    i16 resumeFrom[3];
+};
+
 /* The typographical walk of the segment segments[index] of `clex`, whose
  * key has three characters and passed the key test, over its decoded words
  * (segment_walk.cpp), with the bounds of the typographical ScoreProbe.
@@ -112,9 +124,10 @@ bool phoneticPrefixMatches(const ScoreProbe *probe, const char *key);
  * the list's own floor.  A segment that can't score above the floor is not
  * loaded, once an earlier walk has decoded it; one that `residentOnly` finds
  * out of memory is passed over.  0 when done; 1 when its words could not be
- * decoded, and the caller must scan its text; or the code of a failed load. */
+ * decoded, and the caller must scan its text; or the code of a failed load.
+ * `seed` serves the walks of one word, in key order. */
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
-                    i16 lowestFloor, bool residentOnly);
+                    i16 lowestFloor, bool residentOnly, TypoSeed *seed);
 void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list);
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex);
 

@@ -172,6 +172,8 @@ static i16 estimateFloor(CLex *clex, const char *word, const ScoreProbe *probe,
         return 0;
     SuggestionEntry room[EstimateRoom];
     SuggestionList first = {room, 0, list->capacity};
+    TypoSeed seed;
+    seed.pair = ~0u;
     /* the first two characters, the first also in small letters; then the
      * first and the third, as in a swap of the second and third */
     unsigned char w0 = (unsigned char)word[0], l0 = (unsigned char)ToLower(w0);
@@ -193,7 +195,7 @@ static i16 estimateFloor(CLex *clex, const char *word, const ScoreProbe *probe,
             if (keyTest->minScore > 0 &&
                 keyTest->probe.measure(keyTest->wordKey, key) < keyTest->minScore)
                 continue;
-            walkSegmentTypo(clex, i, probe, &first, 0, true);
+            walkSegmentTypo(clex, i, probe, &first, 0, true, &seed);
         }
     }
     return first.count == first.capacity ? first.entries[first.count - 1].score : 0;
@@ -207,6 +209,8 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
     KeyTest keyTest;
     keyTestInit(&keyTest, measure, word, depth);
     char key[4] = {0, 0, 0, 0};
+    TypoSeed seed;
+    seed.pair = ~0u;
     /* what the list will hold at least, less one: nothing at or below it counts */
     i16 lowestFloor = 0;
     if (probe.kind == ProbeTypo) {
@@ -233,7 +237,7 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         if (!keyPasses(&keyTest, key))
             continue;
         if (probe.kind == ProbeTypo) {
-            i16 rc = walkSegmentTypo(clex, i, &probe, list, lowestFloor, false);
+            i16 rc = walkSegmentTypo(clex, i, &probe, list, lowestFloor, false, &seed);
             if (rc < 0)
                 return rc;
             if (rc == 0)

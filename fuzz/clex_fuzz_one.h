@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/charclass.h"
 #include "engine/session.h"
 #include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
@@ -84,18 +85,21 @@ inline void checkDecoded(CLex *clex, u32 index, const std::vector<std::string> &
     if (!d)
         return; /* out of memory: the walks decode the text themselves */
     require(d->count == words.size(), "decoded word count");
-    const unsigned char *shared = CLex_WordsShared(d), *length = CLex_WordsLength(d);
+    const unsigned char *length = CLex_WordsLength(d);
     for (size_t k = 0; k < words.size(); k++) {
         require(words[k] == CLex_WordsChars(d) + CLex_WordsAt(d)[k], "decoded word");
         require(length[k] == words[k].size(), "decoded length");
         require(summary->minLength <= length[k] && length[k] <= summary->maxLength, "segment lengths");
-        size_t s = 0;
-        const std::string before = k ? words[k - 1] : std::string();
-        while (s < before.size() && s < words[k].size() && before[s] == words[k][s])
-            s++;
-        require(shared[k] == s, "decoded shared count");
+        u32 all = 0, tail = 0;
+        for (size_t c = 0; c < words[k].size(); c++) {
+            u32 bit = CLex_LetterBit(baseLetter[(unsigned char)words[k][c]]);
+            all |= bit;
+            tail |= c >= SegKeySize ? bit : 0;
+        }
+        require(CLex_WordsLetters(d)[k] == all && CLex_WordsTailLetters(d)[k] == tail,
+                "decoded letters");
+        require((summary->letters & all) == all, "segment letters");
     }
-    require(shared[words.size()] == 0, "shared counts end in 0");
 }
 
 /* Suggestions at every depth the walks know, typographical and phonetic:

@@ -183,69 +183,38 @@ int CLex_IndexStart(const CLexIndex *index, const unsigned char *target, u32 *fr
 
 /* ---- A segment decoded (clex_words.cpp) ---- */
 
-/* Zero bytes behind the shared counts and behind the last word: a reader
- * may load 32 bytes from any word, or eight elements from any array, and
- * stay within the allocation. */
+/* Zero bytes behind the last word: a reader may load 32 bytes from any
+ * word, or eight elements from any array, and stay within the allocation. */
 constexpr u32 CLexWordsPad = 32;
-
-/* Words that share this many first characters stand in one group. */
-constexpr u32 CLexGroupShared = SegKeySize + 1;
-
-/* A run of words that share their first CLexGroupShared characters (a
- * shorter word is a group of its own). */
-struct CLexWordsGroup {
-    u32 end;                 /* index behind its last word */
-    u32 letters;             /* the letters of its words, or-ed together */
-    u32 tailLetters;         /* the letters behind the key of its words, or-ed together */
-    u32 sureLetters;         /* the letters behind the key that all its words have */
-    unsigned char minLength; /* its shortest word */
-    unsigned char maxLength; /* its longest word */
-    unsigned char fourth;    /* the character its words share behind the key (NUL for a
-                              * three-character word) */
-};
 
 /* The words of a resident segment, in order.  The header is followed in the
  * same allocation by:
- *   CLexWordsGroup groups[groupCount]     the groups, in order
- *   u32 at[count]                         where each word starts in `chars`
  *   u32 letters[count]                    CLex_LetterBit of each character
  *                                         of each word, or-ed together
  *   u32 tailLetters[count]                the same of the characters behind
  *                                         the key
- *   unsigned char shared[count + Pad]     characters shared with the word
- *                                         before (0 for the first), then 0s
+ *   u32 at[count]                         where each word starts in `chars`
  *   unsigned char length[count]           length of each word
  *   char chars[]                          the words, whole and NUL-ended,
- *                                         then CLexWordsPad zero bytes */
+ *                                         then CLexWordsPad zero bytes
+ * The arrays that every walk reads whole come first, next to the header. */
 struct CLexWords {
     const unsigned char *text; /* the segment text it was built from */
     u32 count;                 /* words */
-    u32 groupCount;            /* groups */
     u32 bytes;                 /* size of the allocation, for memory reports */
 };
 /* One bit for each letter as baseLetter gives it, without case or accent,
  * and bit 0 for every character that is no letter. */
 inline u32 CLex_LetterBit(unsigned char baseLetterValue) { return 1u << (baseLetterValue & 31); }
-inline const CLexWordsGroup *CLex_WordsGroups(const CLexWords *w)
-{
-    return (const CLexWordsGroup *)(w + 1);
-}
-inline const u32 *CLex_WordsAt(const CLexWords *w)
-{
-    return (const u32 *)(CLex_WordsGroups(w) + w->groupCount);
-}
-inline const u32 *CLex_WordsLetters(const CLexWords *w) { return CLex_WordsAt(w) + w->count; }
+inline const u32 *CLex_WordsLetters(const CLexWords *w) { return (const u32 *)(w + 1); }
 inline const u32 *CLex_WordsTailLetters(const CLexWords *w)
 {
     return CLex_WordsLetters(w) + w->count;
 }
-inline const unsigned char *CLex_WordsShared(const CLexWords *w)
-{
-    return (const unsigned char *)(CLex_WordsTailLetters(w) + w->count);
-}
+inline const u32 *CLex_WordsAt(const CLexWords *w) { return CLex_WordsTailLetters(w) + w->count; }
 inline const unsigned char *CLex_WordsLength(const CLexWords *w)
 {
-    return CLex_WordsShared(w) + w->count + CLexWordsPad;
+    return (const unsigned char *)(CLex_WordsAt(w) + w->count);
 }
 inline const char *CLex_WordsChars(const CLexWords *w)
 {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/charclass.h"
 #include "engine/session.h"
 #include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
@@ -236,7 +237,7 @@ TEST_F(ClexIndex, ShortSegmentsHaveNoneAndEvictionFreesIt)
 }
 
 // The decoded form that suggestion walks read: every word whole, its
-// length and what it shares with the one before as the cursor gives them;
+// length and its letters, as the cursor gives them;
 // made by the first walk that opens the segment, and gone with the text.
 TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
 {
@@ -262,21 +263,22 @@ TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
             expected.push_back(w);
         const CLexWords *decoded = con->words;
         ASSERT_EQ(decoded->count, expected.size());
-        const unsigned char *shared = CLex_WordsShared(decoded);
         size_t shortest = 64, longest = 0;
         for (size_t i = 0; i < expected.size(); i++) {
             const std::string &w = expected[i];
-            const std::string before = i ? expected[i - 1] : "";
-            size_t s = 0;
-            while (s < w.size() && s < before.size() && w[s] == before[s])
-                s++;
+            u32 all = 0, tail = 0;
+            for (size_t c = 0; c < w.size(); c++) {
+                u32 bit = CLex_LetterBit(baseLetter[(unsigned char)w[c]]);
+                all |= bit;
+                tail |= c >= 3 ? bit : 0;
+            }
             EXPECT_EQ(CLex_WordsChars(decoded) + CLex_WordsAt(decoded)[i], w);
             EXPECT_EQ(CLex_WordsLength(decoded)[i], w.size()) << w;
-            EXPECT_EQ(shared[i], s) << w;
+            EXPECT_EQ(CLex_WordsLetters(decoded)[i], all) << w;
+            EXPECT_EQ(CLex_WordsTailLetters(decoded)[i], tail) << w;
             shortest = std::min(shortest, w.size());
             longest = std::max(longest, w.size());
         }
-        EXPECT_EQ(shared[expected.size()], 0); // ends every run of shared words
         const CLexSummary *known = summary(lex, con);
         EXPECT_EQ(known->minLength, shortest);
         EXPECT_EQ(known->maxLength, longest);

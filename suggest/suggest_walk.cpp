@@ -71,6 +71,22 @@ static i32 scoreCandidate(const char *word, const char *candidate, void *context
     return 1;
 }
 
+/* Under the typographical measure, many pairs of first two characters
+ * leave the run of the key test in the same state ("ba", "ca" and "da"
+ * against a word that begins with "fa", say), and from there on the
+ * outcome depends on the third character alone.  Outcomes are kept by
+ * state and third character, so that each is worked out once in a walk,
+ * and a key is then tested by one bit, without a branch. */
+constexpr u32 KeyStateRoom = 128; /* places for states; a power of two */
+constexpr u32 KeyRowPass = KeyStateRoom, KeyRowFail = KeyStateRoom + 1; /* rows of fixed outcome */
+constexpr u32 KeyRowEach = KeyStateRoom + 2; /* no row: each key is tested on its own */
+struct KeyStateMemo {
+    u32 state[KeyStateRoom];             /* packed state, 0 for a free place */
+    uint64_t known[KeyStateRoom][4];     /* third characters worked out, by bit */
+    uint64_t passes[KeyStateRoom + 2][4]; /* those that pass; then all, and none */
+    u32 used;                            /* places taken */
+};
+
 /* The key test of one walk: the first three characters of the word
  * against each three-character key, passed at `minScore` or more.  Keys
  * come sorted, so that many follow a key with the same first two
@@ -87,6 +103,7 @@ struct KeyTest {
     char pair[2];          /* typo: first two characters of the key last seen */
     bool paired;           /* typo: `pair` and the states are set */
     TypoState keyRun;      /* typo: wordKey against the key, before its second decision */
+    KeyStateMemo memo;     /* typo: outcomes by state and third character */
 };
 
 static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 depth)
@@ -101,6 +118,10 @@ static void keyTestInit(KeyTest *test, Measure measure, const char *word, i16 de
     test->lengthFails = 3 - length > length / 2;
     test->minPoints = typoPointsToBeat(typoFullPoints(length), (i16)(test->minScore - 1));
     test->paired = false;
+    memset(test->memo.state, 0, sizeof test->memo.state);
+    memset(test->memo.passes[KeyRowPass], 0xFF, sizeof test->memo.passes[KeyRowPass]);
+    memset(test->memo.passes[KeyRowFail], 0, sizeof test->memo.passes[KeyRowFail]);
+    test->memo.used = 0;
 }
 
 /* `key` holds three characters and a NUL.  False when the key's first two
@@ -141,6 +162,41 @@ static bool keyPasses(KeyTest *test, const char *key)
     typoAdvance(test->wordKey, key, &state, test->minPoints, WordSize);
     i32 points = state.points - 40 * (3 - state.c) - 40 * (test->probe.length - state.w);
     return points >= test->minPoints;
+}
+
+/* The row of `memo` that holds the outcomes of the keys with the pair of
+ * keyTestPair, taken now if its state is new; KeyRowFail when the pair
+ * is hopeless, KeyRowPass when every key passes, and KeyRowEach when the
+ * memo is too full to take it. */
+static u32 keyRow(KeyTest *test, const char *key, bool pairMay)
+{
+    if (!pairMay)
+        return KeyRowFail;
+    if (test->minScore <= 0)
+        return KeyRowPass;
+    if (test->lengthFails)
+        return KeyRowFail;
+    const TypoState &run = test->keyRun;
+    /* what the rest of the run reads: the state, and the key's second
+     * character when the decision on it is still to make */
+    u32 packed = 1 + ((u32)run.w | (u32)run.c << 2 |
+                      (u32)(run.c == 1 ? (unsigned char)key[1] : 0) << 4 |
+                      (u32)(run.points + 1024) << 12);
+    KeyStateMemo *memo = &test->memo;
+    u32 at = (packed * 2654435761u) >> 25;
+    for (;; at = (at + 1) & (KeyStateRoom - 1)) {
+        if (memo->state[at] == packed)
+            return at;
+        if (memo->state[at] == 0)
+            break;
+    }
+    if (memo->used >= KeyStateRoom / 2)
+        return KeyRowEach;
+    memo->used++;
+    memo->state[at] = packed;
+    memset(memo->known[at], 0, sizeof memo->known[at]);
+    memset(memo->passes[at], 0, sizeof memo->passes[at]);
+    return at;
 }
 
 /* Most candidates a first look keeps count of. */
@@ -201,6 +257,107 @@ static i16 estimateFloor(CLex *clex, const char *word, const ScoreProbe *probe,
     return first.count == first.capacity ? first.entries[first.count - 1].score : 0;
 }
 
+/* Keys handled at a time by walkKeysTypo. */
+constexpr u32 KeyBlock = 512;
+
+/* The keys of a walk under the typographical measure, a block at a time:
+ * first the row of each key's pair, then the outcomes that no row holds
+ * yet, then the keys that pass, gathered by one bit each without a
+ * branch; and last, in the order of the keys, the walks of their
+ * segments and the keys that are words. */
+static i16 walkKeysTypo(CLex *clex, const char *word, KeyTest *keyTest, WalkContext *context,
+                        i16 lowestFloor, TypoSeed *seed)
+{
+    const u32 *keys = clex->keyValues;
+    KeyStateMemo *memo = &keyTest->memo;
+    /* a key of one or two characters can't pass the length test of a
+     * word of more than four characters */
+    const u32 shortRow = context->probe->length <= 4 ? KeyRowPass : KeyRowFail;
+    unsigned short rows[KeyBlock];
+    u32 passing[KeyBlock];
+    uint64_t wanted[KeyStateRoom][4]; /* third characters met in the block, by row */
+    u32 touched[KeyStateRoom], touchedCount;
+    u32 touchedIn[KeyStateRoom]; /* block (from + 1) that last touched each row */
+    memset(touchedIn, 0, sizeof touchedIn);
+    for (u32 from = 0; from < clex->segmentCount; from += KeyBlock) {
+        u32 to = clex->segmentCount - from > KeyBlock ? from + KeyBlock : clex->segmentCount;
+        u32 row = KeyRowFail, pair = ~0u;
+        touchedCount = 0;
+        for (u32 k = from; k < to; k++) {
+            u32 value = keys[k];
+            char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
+            if (key[2] == 0) {
+                rows[k - from] = (unsigned short)shortRow;
+                pair = ~0u;
+                continue;
+            }
+            if (value >> 8 != pair) {
+                pair = value >> 8;
+                row = keyRow(keyTest, key, keyTestPair(keyTest, key));
+                if (row < KeyStateRoom && touchedIn[row] != from + 1) {
+                    touchedIn[row] = from + 1;
+                    touched[touchedCount++] = row;
+                    memset(wanted[row], 0, sizeof wanted[row]);
+                }
+            }
+            if (row == KeyRowEach) {
+                rows[k - from] = (unsigned short)(keyPasses(keyTest, key) ? KeyRowPass : KeyRowFail);
+                continue;
+            }
+            rows[k - from] = (unsigned short)row;
+            if (row < KeyStateRoom)
+                wanted[row][(value & 0xFF) >> 6] |= 1ull << (value & 63);
+        }
+        /* the outcomes still to work out */
+        for (u32 t = 0; t < touchedCount; t++) {
+            u32 at = touched[t];
+            for (u32 part = 0; part < 4; part++) {
+                uint64_t open = wanted[at][part] & ~memo->known[at][part];
+                while (open) {
+                    unsigned third = part * 64 + (unsigned)__builtin_ctzll(open);
+                    open &= open - 1;
+                    /* any key of the state serves: the pair's characters
+                     * the rest of the run reads are in the state */
+                    u32 packed = memo->state[at] - 1;
+                    TypoState run = {(i16)(packed & 3), (i16)((packed >> 2) & 3),
+                                     (i32)(packed >> 12) - 1024};
+                    char key[4] = {0, (char)((packed >> 4) & 0xFF), (char)third, 0};
+                    typoAdvance(keyTest->wordKey, key, &run, keyTest->minPoints, WordSize);
+                    i32 points = run.points - 40 * (3 - run.c) -
+                                 40 * (keyTest->probe.length - run.w);
+                    memo->known[at][part] |= 1ull << (third & 63);
+                    memo->passes[at][part] |= points >= keyTest->minPoints ? 1ull << (third & 63) : 0;
+                }
+            }
+        }
+        u32 count = 0;
+        for (u32 k = from; k < to; k++) {
+            u32 third = keys[k] & 0xFF;
+            passing[count] = k;
+            count += (u32)(memo->passes[rows[k - from]][third >> 6] >> (third & 63)) & 1;
+        }
+        for (u32 q = 0; q < count; q++) {
+            u32 k = passing[q], value = keys[k];
+            if ((value & 0xFF) == 0) {
+                char key[4] = {(char)(value >> 16), (char)(value >> 8), 0, 0};
+                scoreCandidate(word, key, context);
+                continue;
+            }
+            i16 rc = walkSegmentTypo(clex, k, context->probe, context->list, lowestFloor, false,
+                                     seed);
+            if (rc == 1) {
+                CLexSegment *segment = clex->segments[k];
+                rc = loadSeg(clex, segment);
+                if (rc == 0)
+                    CLex_ScanSegment(clex, segment, word, scoreCandidate, context);
+            }
+            if (rc < 0)
+                return rc;
+        }
+    }
+    return 0;
+}
+
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex)
 {
     ScoreProbe probe;
@@ -218,6 +375,9 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
         lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
     }
 
+    if (probe.kind == ProbeTypo)
+        return walkKeysTypo(clex, word, &keyTest, &context, lowestFloor, &seed);
+
     /* the keys are read from their packed copy, which stays in the cache,
      * and a segment's record only when its key passes */
     for (u32 i = 0; i < clex->segmentCount; i++) {
@@ -229,26 +389,13 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
             scoreCandidate(word, key, &context);
             continue;
         }
-        if (keyTest.typo && !keyTestPair(&keyTest, key)) {
-            while (i + 1 < clex->segmentCount && clex->keyValues[i + 1] >> 8 == value >> 8)
-                i++;
-            continue;
-        }
         if (!keyPasses(&keyTest, key))
             continue;
-        if (probe.kind == ProbeTypo) {
-            i16 rc = walkSegmentTypo(clex, i, &probe, list, lowestFloor, false, &seed);
-            if (rc < 0)
-                return rc;
-            if (rc == 0)
-                continue;
-        }
         CLexSegment *segment = clex->segments[i];
         i16 rc = loadSeg(clex, segment);
         if (rc < 0)
             return rc;
-        i16 floor = listFloor(list) > lowestFloor ? listFloor(list) : lowestFloor;
-        if (!keyTest.typo && !probeSegmentMayScore(&probe, key, floor))
+        if (!probeSegmentMayScore(&probe, key, listFloor(list)))
             continue;
         CLex_ScanSegment(clex, segment, word, scoreCandidate, &context);
     }

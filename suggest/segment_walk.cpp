@@ -3,26 +3,25 @@
  * resident segment of a compressed lexicon, from its decoded form
  * (lexicon/clex_words.cpp).
  *
- * The words of a segment are sorted, and each is stored with the number of
- * characters it shares with the one before.  Three facts of the measure
- * make the order pay:
+ * The words of a segment are sorted.  Three facts of the measure make the
+ * order pay:
  *   - the state of the measure's loop when the candidate cursor reaches
  *     position j depends on the candidate's characters 0..j alone, so a
  *     word takes up the run of the last word scored (the trail) where
  *     their shared beginning ends;
  *   - once a run is cut at position j (too few points left to get into the
  *     list, whatever follows), every word that shares characters 0..j with
- *     it is out as well: the run of such words is passed by scanning their
- *     shared counts;
+ *     it is out as well;
  *   - every mismatch of the measure costs 40 points or more and leaves at
  *     most one character of each string without a partner of the same
  *     letter, and every pair it makes is of the same letter.  So from a
  *     state of the run on, a word that lacks m of the letters left in the
  *     checked word, and is d characters shorter than what is left of it,
  *     costs at least 40 * max(m, d), or 40 * (m - d) when it is longer:
- *     a word is weighed by its length and its letters against the state
- *     it would start from before any of its characters is read, and a
- *     segment by the letters and lengths of all its words.
+ *     a segment is weighed by the letters and lengths of all its words,
+ *     then every word by its own against the state of the key, a block at
+ *     a time and without a branch, and the few that pass against the state
+ *     their run would start from, before any of their characters is read.
  */
 #include <limits.h>
 #include <string.h>

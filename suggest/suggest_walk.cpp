@@ -77,11 +77,13 @@ static i32 scoreCandidate(const char *word, const char *candidate, void *context
  * outcome depends on the third character alone.  Outcomes are kept by
  * state and third character, so that each is worked out once in a walk,
  * and a key is then tested by one bit, without a branch. */
-constexpr u32 KeyStateRoom = 128; /* places for states; a power of two */
+constexpr u32 KeyStateBits = 6;
+constexpr u32 KeyStateRoom = 1u << KeyStateBits; /* places for states, at most half taken */
 constexpr u32 KeyRowPass = KeyStateRoom, KeyRowFail = KeyStateRoom + 1; /* rows of fixed outcome */
 constexpr u32 KeyRowEach = KeyStateRoom + 2; /* no row: each key is tested on its own */
 struct KeyStateMemo {
     u32 state[KeyStateRoom];             /* packed state, 0 for a free place */
+    unsigned char second[KeyStateRoom];  /* a second character that leaves that state */
     uint64_t known[KeyStateRoom][4];     /* third characters worked out, by bit */
     uint64_t passes[KeyStateRoom + 2][4]; /* those that pass; then all, and none */
     u32 used;                            /* places taken */
@@ -177,13 +179,29 @@ static u32 keyRow(KeyTest *test, const char *key, bool pairMay)
     if (test->lengthFails)
         return KeyRowFail;
     const TypoState &run = test->keyRun;
-    /* what the rest of the run reads: the state, and the key's second
-     * character when the decision on it is still to make */
-    u32 packed = 1 + ((u32)run.w | (u32)run.c << 2 |
-                      (u32)(run.c == 1 ? (unsigned char)key[1] : 0) << 4 |
-                      (u32)(run.points + 1024) << 12);
+    /* What the rest of the run reads: the state, and when the decision on
+     * the key's second character is still to make, what that decision
+     * makes of it: whether it is the word's letter there (and then what
+     * case and accent cost), whether it is the word's next letter, and
+     * whether it is of the same sort.  Characters alike in all of that
+     * give the same outcome for every third character. */
+    u32 kind = 0;
+    if (run.c == 1) {
+        unsigned char wc = (unsigned char)test->wordKey[run.w];
+        unsigned char next = run.w < 3 ? (unsigned char)test->wordKey[run.w + 1] : 0;
+        unsigned char second = (unsigned char)key[1];
+        unsigned fw = baseLetter[wc], fc = baseLetter[second];
+        if (second == 0)
+            kind = 15; /* a damaged key: the run ends there */
+        else if (fw == fc)
+            kind = 1 + (IsLower(wc) != IsLower(second)) +
+                   2 * ((IsUpper(wc) ? wc + 32u : wc) != (IsUpper(second) ? second + 32u : second));
+        else
+            kind = 8 + (baseLetter[next] == fc) + 2 * (IsVowel((unsigned char)fw) == IsVowel((unsigned char)fc));
+    }
+    u32 packed = 1 + ((u32)run.w | (u32)run.c << 2 | kind << 4 | (u32)(run.points + 1024) << 12);
     KeyStateMemo *memo = &test->memo;
-    u32 at = (packed * 2654435761u) >> 25;
+    u32 at = (packed * 2654435761u) >> (32 - KeyStateBits);
     for (;; at = (at + 1) & (KeyStateRoom - 1)) {
         if (memo->state[at] == packed)
             return at;
@@ -194,6 +212,7 @@ static u32 keyRow(KeyTest *test, const char *key, bool pairMay)
         return KeyRowEach;
     memo->used++;
     memo->state[at] = packed;
+    memo->second[at] = (unsigned char)key[1];
     memset(memo->known[at], 0, sizeof memo->known[at]);
     memset(memo->passes[at], 0, sizeof memo->passes[at]);
     return at;
@@ -321,7 +340,7 @@ static i16 walkKeysTypo(CLex *clex, const char *word, KeyTest *keyTest, WalkCont
                     u32 packed = memo->state[at] - 1;
                     TypoState run = {(i16)(packed & 3), (i16)((packed >> 2) & 3),
                                      (i32)(packed >> 12) - 1024};
-                    char key[4] = {0, (char)((packed >> 4) & 0xFF), (char)third, 0};
+                    char key[4] = {0, (char)memo->second[at], (char)third, 0};
                     typoAdvance(keyTest->wordKey, key, &run, keyTest->minPoints, WordSize);
                     i32 points = run.points - 40 * (3 - run.c) -
                                  40 * (keyTest->probe.length - run.w);

@@ -246,6 +246,26 @@ TEST(BoundedWalks, GiveTheListsOfThePlainWalks)
     compareRuns(suffixed.sid, misspelled, {50}, {1, 10});
 }
 
+/* Keys of every mix of vowels, consonants, capitals, accents and marks:
+ * the key test meets more states of its run than it keeps outcomes for. */
+TEST(BoundedWalks, KeysOfEveryKindGiveThePlainLists)
+{
+    const std::string alphabet = "eE\xE9\xC9" "aA\xE1\xC1" "tTuo'-";
+    std::vector<std::string> words;
+    for (char a : alphabet)
+        for (char b : alphabet)
+            for (char c : alphabet) {
+                words.push_back(std::string{a, b, c});
+                words.push_back(std::string{a, b, c, 'e', 'r'});
+            }
+    SessionHolder packed;
+    TempDir dir;
+    writeFile(dir.file("kinds.lex"), clexBytes(words));
+    ASSERT_EQ(ORTO_OpenLex(packed.sid, dir.file("kinds.lex").c_str(), 0), 0);
+    compareRuns(packed.sid, {"eat", "Eat", "\xE9" "at", "aet", "tea", "o'ut", "EAT-", "-ta"},
+                {30, 50, 75}, {1, 8});
+}
+
 TEST(BoundedWalks, GiveTheListsOfThePlainWalksOnTheBundledLexicon)
 {
     std::string path = std::string(ORTO_BINARY_DIR) + "/data/en-US.clx";

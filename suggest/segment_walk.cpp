@@ -305,9 +305,8 @@ __attribute__((always_inline)) static inline i16 walkWords(CLex *clex, u32 index
     };
     raiseFloor();
 
-    /* The segment as a whole, and then each group of words that share
-     * their first four characters, from the last state that the key
-     * decides: the letters and the lengths of all their words. */
+    /* The segment as a whole, from the last state that the key decides:
+     * the letters and the lengths of all its words. */
     const i32 keyAt = trail.resumeFrom[trail.length - 1];
     const i32 keyPoints = trail.pointsAt[keyAt];
     const u32 keyRestLetters = probe->restLetters[trail.wordAt[keyAt]];

@@ -8,13 +8,16 @@
  * segments: a segment is opened only when its three-character key scores
  * at least 100 - depth against the first three characters of the word,
  * under the walk's own measure; keys of one or two characters are whole
- * words and are scored as candidates.
+ * words and are scored as candidates.  Under the typographical measure the
+ * key test of a block of keys is worked out first, mostly from outcomes
+ * kept by the state of its run, and the segments of the keys that pass
+ * are walked after, in key order.
  *
  * Every candidate is scored against the list's current floor (ScoreProbe):
  * the walk only asks whether it can still get in, which the list would
  * otherwise refuse at its first test.  Under the typographical measure the
  * segment's decoded words go through segment_walk.cpp, which puts the same
- * question to the segment, its groups and each word before it scores one;
+ * question to the segment and each word before it scores one;
  * other measures put it to the segment by its key and decode through the
  * scanner's callback.  Under the typographical measure a segment that an
  * earlier walk decoded is weighed by its summary before it is loaded, and
@@ -384,21 +387,18 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
     WalkContext context = {list, measure, &probe};
     KeyTest keyTest;
     keyTestInit(&keyTest, measure, word, depth);
-    char key[4] = {0, 0, 0, 0};
-    TypoSeed seed;
-    seed.pair = ~0u;
-    /* what the list will hold at least, less one: nothing at or below it counts */
-    i16 lowestFloor = 0;
     if (probe.kind == ProbeTypo) {
         i16 estimate = estimateFloor(clex, word, &probe, &keyTest, list);
-        lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
-    }
-
-    if (probe.kind == ProbeTypo)
+        /* what the list will hold at least, less one: nothing at or below it counts */
+        i16 lowestFloor = estimate > 0 ? (i16)(estimate - 1) : 0;
+        TypoSeed seed;
+        seed.pair = ~0u;
         return walkKeysTypo(clex, word, &keyTest, &context, lowestFloor, &seed);
+    }
 
     /* the keys are read from their packed copy, which stays in the cache,
      * and a segment's record only when its key passes */
+    char key[4] = {0, 0, 0, 0};
     for (u32 i = 0; i < clex->segmentCount; i++) {
         u32 value = clex->keyValues[i];
         key[0] = (char)(value >> 16);

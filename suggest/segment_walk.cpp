@@ -450,6 +450,10 @@ static i16 walkWordsPlain(CLex *clex, u32 index, const ScoreProbe *probe, Sugges
 
 typedef i16 (*WalkWords)(CLex *, u32, const ScoreProbe *, SuggestionList *, i16, bool, TypoSeed *);
 
+/* The build that walks: the best the processor has, unless a test asked
+ * for another with segmentWalkBuild.  Set once, before the first walk. */
+static WalkWords chosenWalk;
+
 static WalkWords pickWalk()
 {
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt"))
@@ -457,13 +461,32 @@ static WalkWords pickWalk()
     return __builtin_cpu_supports("popcnt") ? walkWordsCounting : walkWordsPlain;
 }
 
+bool segmentWalkBuild(int build)
+{
+    bool counting = __builtin_cpu_supports("popcnt");
+    bool wide = counting && __builtin_cpu_supports("avx2");
+    switch (build) {
+    case SegmentWalkBest: chosenWalk = pickWalk(); return true;
+    case SegmentWalkWide: chosenWalk = wide ? walkWordsWide : chosenWalk; return wide;
+    case SegmentWalkCounting: chosenWalk = counting ? walkWordsCounting : chosenWalk; return counting;
+    case SegmentWalkPlain: chosenWalk = walkWordsPlain; return true;
+    default: return false;
+    }
+}
+
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    static const WalkWords walk = pickWalk();
-    return walk(clex, index, probe, list, lowestFloor, residentOnly, seed);
+    if (!chosenWalk)
+        chosenWalk = pickWalk();
+    return chosenWalk(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 #else
+bool segmentWalkBuild(int build)
+{
+    return build == SegmentWalkBest || build == SegmentWalkPlain;
+}
+
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {

@@ -128,6 +128,11 @@ struct TypoSeed {
  * `seed` serves the walks of one word, in key order. */
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly, TypoSeed *seed);
+/* The builds of the segment walk, which give the same lists: the best the
+ * processor has (the default), or, for tests, one of the others.  False
+ * when the processor can't run the build asked for (nothing changes). */
+enum SegmentWalkBuild { SegmentWalkBest, SegmentWalkWide, SegmentWalkCounting, SegmentWalkPlain };
+bool segmentWalkBuild(int build);
 void walkTLex(TLex *tlex, const char *word, Measure measure, SuggestionList *list);
 i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list, CLex *clex);
 

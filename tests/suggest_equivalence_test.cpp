@@ -266,6 +266,36 @@ TEST(BoundedWalks, KeysOfEveryKindGiveThePlainLists)
                 {30, 50, 75}, {1, 8});
 }
 
+/* Each build of the segment walk that the processor can run, not only the
+ * one it picks: words weighed eight at a time, one at a time with the
+ * processor's bit count, and with the library's. */
+TEST(BoundedWalks, EveryBuildOfTheSegmentWalkGivesThePlainLists)
+{
+    WordMaker make;
+    std::set<std::string> lexicon;
+    while (lexicon.size() < 2500)
+        lexicon.insert(make.word());
+    while (lexicon.size() < 2700) /* segments of more than 64 words */
+        lexicon.insert("sta" + make.word());
+    std::vector<std::string> words(lexicon.begin(), lexicon.end());
+    std::vector<std::string> misspelled;
+    for (int n = 0; n < 30; n++)
+        misspelled.push_back(make.misspell(words[make.pick((unsigned)words.size())]));
+    SessionHolder packed;
+    TempDir dir;
+    writeFile(dir.file("gen.lex"), clexBytes(words));
+    ASSERT_EQ(ORTO_OpenLex(packed.sid, dir.file("gen.lex").c_str(), 0), 0);
+    int ran = 0;
+    for (int build : {SegmentWalkWide, SegmentWalkCounting, SegmentWalkPlain}) {
+        if (!segmentWalkBuild(build))
+            continue;
+        ran++;
+        compareRuns(packed.sid, misspelled, {50, 100}, {1, 10});
+    }
+    segmentWalkBuild(SegmentWalkBest);
+    EXPECT_GE(ran, 1);
+}
+
 TEST(BoundedWalks, GiveTheListsOfThePlainWalksOnTheBundledLexicon)
 {
     std::string path = std::string(ORTO_BINARY_DIR) + "/data/en-US.clx";

@@ -4,7 +4,7 @@
  * The text is walked line by line as spans of the buffer, never copied
  * into line buffers, so a line of any length or with any bytes in it (NUL
  * included) is read like any other.  A line ends at LF; a CR just before
- * the LF belongs to the line end.  An edit splices the one line it
+ * the LF belongs to the line end, and so does a CR that ends the file.  An edit splices the one line it
  * concerns and leaves all other bytes where they were.
  */
 #include <string.h>
@@ -45,9 +45,10 @@ IniLine lineAt(const char *text, size_t length, size_t pos)
     if (lf) {
         line.end = (size_t)(lf - text);
         line.next = line.end + 1;
-        if (line.end > pos && text[line.end - 1] == '\r')
-            line.end--;
     }
+    /* the CR of CR LF, or a CR LF cut short at the end of the file */
+    if (line.end > pos && text[line.end - 1] == '\r')
+        line.end--;
     size_t first = pos;
     while (first < line.end && isBlank(text[first]))
         first++;
@@ -166,7 +167,7 @@ bool iniSetValue(std::string *text, const char *section, const char *key, const 
     std::string lines;
     size_t at = place.sectionFound ? place.insertAt : text->size();
     if (at == text->size() && at > 0 && text->back() != '\n')
-        lines += eol; /* the last line had no line end: it gets one first */
+        lines += text->back() == '\r' ? "\n" : eol; /* the last line gets its line end first */
     if (!place.sectionFound)
         lines = lines + "[" + section + "]" + eol;
     lines.append(key).append("=").append(value, valueLength).append(eol);

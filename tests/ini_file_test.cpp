@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/ini_fuzz_one.h"
 #include "platform/file.h"
 #include "platform/ini_file.h"
 #include "support/test_support.h"
@@ -175,4 +176,17 @@ TEST(IniFile, TwoProcessesWritingAtOnceLoseNoKey)
             std::string key = "p" + std::to_string(c) + "k" + std::to_string(k);
             EXPECT_EQ(readKey(name, c ? "ORTO User" : "ORTO", key.c_str()), "v") << key;
         }
+}
+
+// The fuzz target's corpus, replayed without libFuzzer.
+TEST(IniFile, FuzzCorpusRunsClean)
+{
+    int files = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(std::string(ORTO_SOURCE_DIR) + "/fuzz/corpus/ini")) {
+        SCOPED_TRACE(entry.path().string());
+        std::string bytes = readFile(entry.path().string());
+        inifuzz::runOne((const uint8_t *)bytes.data(), bytes.size());
+        files++;
+    }
+    EXPECT_GE(files, 9);
 }

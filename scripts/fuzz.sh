@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets with clang and runs each for a bounded time:
 # scripts/fuzz.sh [seconds for the compressed lexicon reader, default 60]
-# The INI reader gets a quarter of that (at least 10 s): its input is small
-# and its paths few.
+# The INI reader and the template reader get a quarter of that each (at
+# least 10 s): their inputs are small and their paths few.
 # The checked-in corpora (fuzz/corpus/*) seed the runs and aren't changed;
 # new inputs go to a scratch folder, crashes to build-fuzz/crashes/.
 set -euo pipefail
@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 dir=${ORTO_FUZZ_BUILD_DIR:-build-fuzz}
 CC=clang CXX=clang++ cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DORTO_BUILD_FUZZ=ON -DORTO_BUILD_TESTS=OFF -DORTO_BUILD_BENCH=OFF >/dev/null
-cmake --build "$dir" --target clex_fuzz ini_fuzz -j2
+cmake --build "$dir" --target clex_fuzz ini_fuzz template_fuzz -j2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$dir/crashes"
@@ -24,4 +24,6 @@ run() {
 }
 run clex "$seconds" 4096
 short=$((seconds / 4))
-run ini $((short < 10 ? 10 : short)) 8192
+short=$((short < 10 ? 10 : short))
+run ini "$short" 8192
+run template "$short" 8192

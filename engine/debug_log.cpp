@@ -31,23 +31,28 @@ static void dateLine(char *out, size_t size)
              months[t.tm_mon % 12], t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec, t.tm_year + 1900);
 }
 
-void DebugLog(const char *format, ...)
+void DebugLogTo(const char *fileName, const char *format, va_list args)
 {
-    if (!debugFileName[0])
-        return;
-    FILE *f = fopen(debugFileName, "a");
+    FILE *f = fopen(fileName, "a");
     if (!f)
         return; /* the line is lost; the next one tries again */
     time_t now = time(nullptr);
     struct tm t;
     localtime_r(&now, &t);
     fprintf(f, "%02d:%02d:%02d ", t.tm_hour, t.tm_min, t.tm_sec);
-    va_list args;
-    va_start(args, format);
     vfprintf(f, format, args);
-    va_end(args);
     fputs("\n", f);
     fclose(f);
+}
+
+void DebugLog(const char *format, ...)
+{
+    if (!debugFileName[0])
+        return;
+    va_list args;
+    va_start(args, format);
+    DebugLogTo(debugFileName, format, args);
+    va_end(args);
 }
 
 extern "C" void ORTO_SetDebugFile(const char *fileName)

@@ -450,6 +450,122 @@ ORTO_API int16_t ORTO_Suggest(int16_t sid, const char *word, int16_t depth, char
 
 /* @@SUGGEST_CALLS@@ */
 
+/* ======================================================================
+ * Settings of the dialogs
+ *
+ * The dialogs take their lexicons, options and texts from a settings
+ * file of the INI kind: the section [ORTO] holds the settings of the
+ * installation, [ORTO User] those of the user, and the section named by
+ * the string table name (default "English") replacement texts for the
+ * dialogs.  Lines are "key=value"; names match without regard to case.
+ * The file is the one ORTO_SetIniFile names; else ORTO.INI beside
+ * liborto.so, if it exists; else the file that the key ORTOProfileFile of
+ * [ORTO] in /etc/orto.ini names; else $XDG_CONFIG_HOME/orto/ORTO.INI
+ * (~/.config/orto/ORTO.INI when the variable is unset).  A write makes the
+ * file and its folder if need be, and changes only the line of its key.
+ *
+ * Reads never fail: a missing key or file reads as the empty string.
+ * Writes that can't be done (no rights) fail in silence.  Lists are file
+ * names separated by commas; a name without '/' lies in the folder of its
+ * kind (MainLexPath or UserLexPath).
+ *
+ * The getters copy the value cut to `size` - 1 characters and terminated;
+ * a null `buffer` or a `size` of 0 gets nothing.  The setters return 0,
+ * or ORTO_DialogActive while a dialog of the shared session runs (nothing
+ * is changed then).  A setter that gets through closes the shared session
+ * (see ORTO_GetSid) after saving its options, so that the next dialog
+ * starts afresh from the new settings.  Null strings count as empty.
+ * ====================================================================== */
+
+/* The help file of the dialogs ([ORTO] HelpFile). */
+ORTO_API void    ORTO_GetHelpFile(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetHelpFile(const char *name);
+/* The main lexicons ([ORTO] MainLexFiles). */
+ORTO_API void    ORTO_GetMainLexFiles(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetMainLexFiles(const char *list);
+/* The folder of the main lexicons ([ORTO] MainLexPath).  The empty string
+ * here means that the dialogs take [ORTO] LexPath, or ".". */
+ORTO_API void    ORTO_GetMainLexPath(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetMainLexPath(const char *path);
+/* The user lexicons ([ORTO User] UserLexFiles); the Dictionaries dialog
+ * writes this list too. */
+ORTO_API void    ORTO_GetUserLexFiles(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetUserLexFiles(const char *list);
+/* The folder of the user lexicons ([ORTO User] UserLexPath); empty: the
+ * folder of the main lexicons. */
+ORTO_API void    ORTO_GetUserLexPath(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetUserLexPath(const char *path);
+/* The section of the dialogs' texts ([ORTO User] StringTableName).  The
+ * setter takes at most 255 characters, and writes the key too. */
+ORTO_API void    ORTO_GetStringTableName(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetStringTableName(const char *name);
+/* A name kept for hosts written for the registry ("Software\Fernhollow\ORTO"
+ * at first); nothing reads settings under it on this system.  The setter
+ * takes at most 515 characters. */
+ORTO_API void    ORTO_GetRegTreeName(char *buffer, uint16_t size);
+ORTO_API int16_t ORTO_SetRegTreeName(const char *name);
+/* Names the settings file (at most 515 characters), which is then used as
+ * it stands, never searched for; the empty string makes the next use
+ * search again.  The shared session's options go to the file used until
+ * now first. */
+ORTO_API int16_t ORTO_SetIniFile(const char *path);
+
+/* @@SETTINGS_CALLS@@ */
+
+/* ======================================================================
+ * The shared session of the dialogs
+ *
+ * All dialogs of a process work on one session, opened at the first call
+ * that needs it, from the settings: a temporary lexicon (no file; Ignore
+ * All and Change All put their words there) in lexicon slot 0, then the
+ * user lexicons, then the main lexicons, then the options ([ORTO User]
+ * IgnoreCappedWords ... SplitWords, Language).  A lexicon that can't be
+ * opened is shown by a message box and left out; lexicons past the 31st
+ * are left out.  The session closes when the library is unloaded (at the
+ * end of the process) and when a settings call changes what it came from,
+ * and then writes its options back to [ORTO User].
+ * ====================================================================== */
+
+/* Opens the shared session if it isn't open.  Returns its id, or the code
+ * of the ORTO_OpenSession or ORTO_CreateLex that failed.  A host may use
+ * the engine calls on it; it must not close it. */
+ORTO_API int16_t ORTO_GetSid(void);
+
+/* The counts of the last Check Spelling dialog: words checked, words
+ * changed, problems found.  A null pointer is left out. */
+ORTO_API void ORTO_GetStatistics(uint32_t *wordsChecked, uint32_t *wordsChanged, uint32_t *errorsFound);
+
+/* Empties the temporary lexicon of the shared session, opening the session
+ * if need be.  Returns 0, ORTO_DialogActive while a dialog runs, or the
+ * code of a failed opening. */
+ORTO_API int16_t ORTO_ResetLex(void);
+
+/* Whether the dialogs apply auto-change entries without asking: reads
+ * [ORTO User] AutoCorrect, 0 if it is missing (where the dialogs start
+ * with 1), and makes it the dialogs' value. */
+ORTO_API int32_t ORTO_GetAutoCorrect(void);
+/* Sets the dialogs' value and writes the key; also while a dialog runs.
+ * Returns 0. */
+ORTO_API int16_t ORTO_SetAutoCorrect(int16_t value);
+
+/* The search depth of the dialogs' suggestions (see ORTO_Suggest): reads
+ * [ORTO User] MinSuggestDepth, 0 if it is missing (where the dialogs
+ * start with 50), and makes it the dialogs' value. */
+ORTO_API int16_t ORTO_GetMinSuggestDepth(void);
+/* Sets the dialogs' value and writes the key; also while a dialog runs.
+ * Returns 0. */
+ORTO_API int16_t ORTO_SetMinSuggestDepth(int16_t depth);
+
+/* The lexicon id in the shared session of a lexicon of the dialogs, found
+ * by its name as its list gives it, or by the file name behind the last
+ * '/' of that; the empty string (or null) names the temporary lexicon.
+ * Opens the shared session if need be.  Returns the id, a negative id for
+ * a listed file that couldn't be opened, ORTO_FileOpenError when no
+ * lexicon has that name, or the code of a failed opening. */
+ORTO_API int16_t ORTO_GetLexId(const char *name);
+
+/* @@SHARED_SESSION_CALLS@@ */
+
 #ifdef __cplusplus
 }
 #endif

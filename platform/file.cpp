@@ -282,6 +282,12 @@ int fileDelete(const char *name)
     return unlink(name) == 0 ? 0 : -1;
 }
 
+int fileExists(const char *name)
+{
+    struct stat st;
+    return name && *name && stat(name, &st) == 0 && !S_ISDIR(st.st_mode);
+}
+
 int fileRename(const char *from, const char *to)
 {
     if (!from || !to || !*from || !*to)

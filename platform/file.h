@@ -95,6 +95,8 @@ int64_t fileModTimeNsOf(int handle);
  * since 1970.  Result 0 or -1. */
 int fileSetModTimeNs(int handle, int64_t timeNs);
 
+/* Nonzero if `name` is a file (not a folder) that exists. */
+int fileExists(const char *name);
 /* Result 0, or -1 if the file couldn't be deleted. */
 int fileDelete(const char *name);
 /* Renames `from` to `to`, atomically replacing `to` if it exists (within

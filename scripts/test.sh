@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test twice: a normal build, then one under
 # AddressSanitizer and UndefinedBehaviorSanitizer, where any report fails;
-# between the two, fuzzes the compressed-lexicon reader for a minute.
+# between the two, fuzzes the compressed-lexicon reader for a minute, and
+# the INI and template readers for 15 seconds each.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -11,7 +12,7 @@ echo "== normal build"
 bash scripts/build.sh build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 ctest --test-dir build --output-on-failure -j"$jobs"
 
-echo "== fuzzing the compressed lexicon reader for 60 s"
+echo "== fuzzing the compressed lexicon reader for 60 s, the INI and template readers for 15 s each"
 bash scripts/fuzz.sh 60
 
 echo "== sanitizer build"

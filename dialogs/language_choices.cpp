@@ -31,5 +31,5 @@ void languageName(u16 code, char *buffer, u16 size)
     for (const LanguageChoice &c : LanguageChoices)
         if (c.code == code)
             row = &c;
-    Profile_GetText(row->stringId, row->defaultText, buffer, size < LanguageNameSize ? size : LanguageNameSize);
+    Profile_GetText(row->stringId, row->defaultText, buffer, size < (u16)LanguageNameSize ? size : (u16)LanguageNameSize);
 }

@@ -10,6 +10,7 @@
 #include "dialogs/dialog_look.h"
 #include "dialogs/language_choices.h"
 #include "engine/string_helpers.h"
+#include "host/dialog_services.h"
 #include "host/profile.h"
 #include "host/shared_session.h"
 #include "orto.h"

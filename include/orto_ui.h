@@ -280,7 +280,39 @@ ORTO_API int16_t  ORTO_EditLexDlg(ORTO_HWND parent);
 ORTO_API int16_t  ORTO_EditLexDlgTmplt(ORTO_HWND parent, ORTO_HINSTANCE instance,
                                        const char *editLexDlgTemplate, const char *newLexDlgTemplate);
 
+/* Check Spelling over a buffer of the host: `text` holds `textLen`
+ * characters in a buffer of `blockSize` bytes, and is edited in place; the
+ * dialog stops at each problem the engine reports, from the first to the
+ * last, and a text with none shows no dialog.  With `showContext` the whole
+ * text stands in the dialog's context pane.  Returns the new length of the
+ * text; ORTO_Cancelled when the user cancelled (the changes made until then
+ * stay in the buffer); ORTO_BufferTooSmall when a replacement did not fit
+ * (the same); ORTO_DialogActive; the code of a failed start of the shared
+ * session, or of ORTO_OpenBlock (a textLen above blockSize); a null `text`
+ * with a textLen above 0 gives ORTO_BufferTooSmall. */
+ORTO_API int32_t  ORTO_CheckBlockDlg(ORTO_HWND parent, char *text, uint32_t textLen, uint32_t blockSize,
+                                     int16_t showContext);
+ORTO_API int32_t  ORTO_CheckBlockDlgTmplt(ORTO_HWND parent, char *text, uint32_t textLen, uint32_t blockSize,
+                                          int16_t showContext, ORTO_HINSTANCE instance,
+                                          const char *checkDlgTemplate, const char *editLexDlgTemplate,
+                                          const char *optionsDlgTemplate, const char *newLexDlgTemplate);
+
+/* Check Spelling over a text control (ORTO_CreateTextControl, "EDIT" or a
+ * rich edit name), chunk by chunk: each change is made in the control as
+ * it happens, and the word under check is selected there.  With
+ * `selectionOnly`, only the control's selection, if it has one.  Returns
+ * 0 at the end of the text, or the first negative code: ORTO_Cancelled,
+ * ORTO_BufferTooSmall, ORTO_OutOfMemory, ORTO_DialogActive, the code of a
+ * failed start of the shared session, or ORTO_GeneralError for a window
+ * that is no text control (or no window any more). */
+ORTO_API int16_t  ORTO_CheckCtrlDlg(ORTO_HWND parent, ORTO_HWND ctrl, int16_t selectionOnly);
+ORTO_API int16_t  ORTO_CheckCtrlDlgTmplt(ORTO_HWND parent, ORTO_HWND ctrl, int16_t selectionOnly,
+                                         ORTO_HINSTANCE instance, const char *checkDlgTemplate,
+                                         const char *editLexDlgTemplate, const char *optionsDlgTemplate,
+                                         const char *newLexDlgTemplate);
+
 /* The dialog procedures, for hosts that run the templates themselves. */
+ORTO_API intptr_t SpellCheckDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
 ORTO_API intptr_t OptionsDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
 ORTO_API intptr_t EditLexDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
 ORTO_API intptr_t NewLexDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);

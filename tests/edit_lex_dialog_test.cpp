@@ -132,7 +132,7 @@ TEST(EditLexDialog, ImportAndExportRealFiles)
     std::vector<std::string> expected;
     for (const std::string &w : {std::string("Ahello"), std::string("caf\xe9"), std::string("end"),
                                  std::string("helo"), std::string("tail"), std::string("word"),
-                                 std::string(80, 'x'), std::string(19, 'x')})
+                                 std::string(63, 'x') /* a word is 63 characters at most */, std::string(19, 'x')})
         expected.push_back(w + "\ti");
     std::vector<std::string> entries = f.entriesOnDisk(f.path("io.tlx"));
     std::sort(entries.begin(), entries.end());

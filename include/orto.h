@@ -564,6 +564,11 @@ ORTO_API int16_t ORTO_SetMinSuggestDepth(int16_t depth);
  * lexicon has that name, or the code of a failed opening. */
 ORTO_API int16_t ORTO_GetLexId(const char *name);
 
+/* Where the next Check Spelling dialog opens: its top left corner at (x, y)
+ * in screen cells, as if the user had locked it there (its Lock Pos. box
+ * shows checked).  Needs no session; allowed while a dialog runs. */
+ORTO_API void ORTO_SetDialogOrigin(int16_t x, int16_t y);
+
 /* @@SHARED_SESSION_CALLS@@ */
 
 #ifdef __cplusplus

@@ -225,7 +225,8 @@ typedef struct ORTO_FrontEnd {
        when the user closes the dialog (taken as a press of the button with id 2).
        A click on an automatic check box or radio button is the command alone: the dialog's own
        loop flips the box, or checks the button and clears the others of its group, before the
-       dialog hears of it.  What the front end changes is silent (no notification of its own);
+       dialog hears of it; a CBN_SELCHANGE of a combo box is followed by its CBN_SELENDOK, as a
+       pick from the list is taken at once.  What the front end changes is silent (no notification of its own);
        the command it returns is the notification.  A command of a disabled or hidden control,
        or of no control of the dialog, is dropped, as no user could give it. */
     int32_t (*nextCommand)(void *context, ORTO_HWND dialog);
@@ -248,6 +249,73 @@ ORTO_API void ORTO_SetFrontEnd(const ORTO_FrontEnd *frontEnd);
  * of a dialog (lParam points to the message); it always answers 1, so that
  * the walk goes on to the end. */
 ORTO_API int32_t SndMsgEnumCb(ORTO_HWND window, intptr_t lParam);
+
+/* ======================================================================
+ * The dialogs
+ *
+ * Every dialog works on the shared session (ORTO_GetSid), which starts from
+ * the settings store at the first dialog.  A dialog entry called while a
+ * dialog of the shared session runs returns ORTO_DialogActive.  Each `Tmplt`
+ * form takes a host's templates with the same control ids: a template name
+ * of null means the library's own, and a null `instance` with a name means
+ * the library's own module.
+ * ====================================================================== */
+
+/* Options: the session's options as check boxes and the dialogs' search
+ * depth as three radio buttons; OK applies each to the session and writes
+ * it to the store.  Returns 0 for OK, ORTO_Cancelled, ORTO_DialogActive,
+ * the code of a failed start of the shared session, or -1 if the dialog
+ * can't be made.  ORTO_OptionsDlgTmplt leaves the busy state alone, so the
+ * Check Spelling dialog can open it. */
+ORTO_API int32_t  ORTO_OptionsDlg(ORTO_HWND owner);
+ORTO_API int32_t  ORTO_OptionsDlgTmplt(ORTO_HWND owner, ORTO_HINSTANCE instance, const char *templateName);
+
+/* Dictionaries: the user lexicons of the shared session and their words;
+ * files are added, created (through the New Dictionary dialog) and
+ * removed, words added, deleted, imported from and exported to text files.
+ * Every change is written at once: the lexicon files, and the store's
+ * UserLexFiles.  Returns 0 at Close, ORTO_DialogActive, or the code of a
+ * failed start of the shared session. */
+ORTO_API int16_t  ORTO_EditLexDlg(ORTO_HWND parent);
+ORTO_API int16_t  ORTO_EditLexDlgTmplt(ORTO_HWND parent, ORTO_HINSTANCE instance,
+                                       const char *editLexDlgTemplate, const char *newLexDlgTemplate);
+
+/* Check Spelling over a buffer of the host: `text` holds `textLen`
+ * characters in a buffer of `blockSize` bytes, and is edited in place; the
+ * dialog stops at each problem the engine reports, from the first to the
+ * last, and a text with none shows no dialog.  With `showContext` the whole
+ * text stands in the dialog's context pane.  Returns the new length of the
+ * text; ORTO_Cancelled when the user cancelled (the changes made until then
+ * stay in the buffer); ORTO_BufferTooSmall when a replacement did not fit
+ * (the same); ORTO_DialogActive; the code of a failed start of the shared
+ * session, or of ORTO_OpenBlock (a textLen above blockSize); a null `text`
+ * with a textLen above 0 gives ORTO_BufferTooSmall. */
+ORTO_API int32_t  ORTO_CheckBlockDlg(ORTO_HWND parent, char *text, uint32_t textLen, uint32_t blockSize,
+                                     int16_t showContext);
+ORTO_API int32_t  ORTO_CheckBlockDlgTmplt(ORTO_HWND parent, char *text, uint32_t textLen, uint32_t blockSize,
+                                          int16_t showContext, ORTO_HINSTANCE instance,
+                                          const char *checkDlgTemplate, const char *editLexDlgTemplate,
+                                          const char *optionsDlgTemplate, const char *newLexDlgTemplate);
+
+/* Check Spelling over a text control (ORTO_CreateTextControl, "EDIT" or a
+ * rich edit name), chunk by chunk: each change is made in the control as
+ * it happens, and the word under check is selected there.  With
+ * `selectionOnly`, only the control's selection, if it has one.  Returns
+ * 0 at the end of the text, or the first negative code: ORTO_Cancelled,
+ * ORTO_BufferTooSmall, ORTO_OutOfMemory, ORTO_DialogActive, the code of a
+ * failed start of the shared session, or ORTO_GeneralError for a window
+ * that is no text control (or no window any more). */
+ORTO_API int16_t  ORTO_CheckCtrlDlg(ORTO_HWND parent, ORTO_HWND ctrl, int16_t selectionOnly);
+ORTO_API int16_t  ORTO_CheckCtrlDlgTmplt(ORTO_HWND parent, ORTO_HWND ctrl, int16_t selectionOnly,
+                                         ORTO_HINSTANCE instance, const char *checkDlgTemplate,
+                                         const char *editLexDlgTemplate, const char *optionsDlgTemplate,
+                                         const char *newLexDlgTemplate);
+
+/* The dialog procedures, for hosts that run the templates themselves. */
+ORTO_API intptr_t SpellCheckDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
+ORTO_API intptr_t OptionsDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
+ORTO_API intptr_t EditLexDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
+ORTO_API intptr_t NewLexDlgProc(ORTO_HWND dialog, uint32_t message, uintptr_t wParam, intptr_t lParam);
 
 /* @@DIALOG_CALLS@@ */
 

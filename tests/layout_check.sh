@@ -5,7 +5,8 @@
 # - host/ (settings store, shared session) uses the engine through orto.h
 #   and a few helper headers only, the window layer through ui/window.h,
 #   and platform/;
-# - dialogs/ uses orto.h, orto_ui.h, host/, ui/ and those helper headers;
+# - dialogs/ uses orto.h, orto_ui.h, host/, ui/ and those helper headers,
+#   and the file layer (platform/file.h) for the files it writes whole;
 # - the library's folders don't reach into tools/ or tests/.
 set -u
 root=${1:-$(dirname "$0")/..}
@@ -31,7 +32,7 @@ check_includes() {
            | grep -v -E "#include \"($2)\"")
 }
 check_includes host "orto\.h|orto_ui\.h|host/[a-z_]+\.h|ui/window\.h|platform/[a-z_]+\.h|$engine_helpers"
-check_includes dialogs "orto\.h|orto_ui\.h|dialogs/[a-z_]+\.h|host/[a-z_]+\.h|ui/[a-z_]+\.h|$engine_helpers"
+check_includes dialogs "orto\.h|orto_ui\.h|dialogs/[a-z_]+\.h|host/[a-z_]+\.h|ui/[a-z_]+\.h|platform/file\.h|$engine_helpers"
 
 os_headers='<(unistd|fcntl|pthread|dirent|dlfcn|pwd|poll|termios|sys/[a-z_]+)\.h>'
 while IFS= read -r line; do

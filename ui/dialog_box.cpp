@@ -155,6 +155,9 @@ static void runOneAct(HWND dialog)
     if (c->kind == KindButton && code == ORTO_BN_CLICKED)
         autoButtonClick(c);
     sendCommand(dialog, (uint32_t)c->id, code, c->handle);
+    /* a user's pick in a combo box's list is taken at once */
+    if (c->kind == KindComboBox && code == ORTO_CBN_SELCHANGE && windowOf(c->handle))
+        sendCommand(dialog, (uint32_t)c->id, ORTO_CBN_SELENDOK, c->handle);
 }
 
 intptr_t DialogBoxParamA(HINSTANCE module, const char *templateName, HWND parent, DLGPROC proc, intptr_t param)

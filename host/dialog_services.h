@@ -25,11 +25,7 @@ void dialogMessage(HWND owner, const char *textId, const char *textDefault, cons
 void dialogLog(const char *format, ...) __attribute__((format(printf, 1, 2)));
 
 /* The message that SndMsgEnumCb sends: its lParam points to one. */
-struct ChildMessage {
-    uint32_t message;
-    uintptr_t wParam;
-    intptr_t lParam;
-};
+typedef ORTO_ChildMessage ChildMessage;
 /* Sends the message to every child window of `window`. */
 void sendToChildren(HWND window, uint32_t message, uintptr_t wParam, intptr_t lParam);
 

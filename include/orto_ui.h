@@ -245,9 +245,16 @@ typedef struct ORTO_FrontEnd {
  * workArea gives 80 by 24 cells.  null: the terminal front end. */
 ORTO_API void ORTO_SetFrontEnd(const ORTO_FrontEnd *frontEnd);
 
+/* The message that SndMsgEnumCb sends to a control. */
+typedef struct ORTO_ChildMessage {
+    uint32_t message;
+    uintptr_t wParam;
+    intptr_t lParam;
+} ORTO_ChildMessage;
+
 /* The callback through which the dialogs send one message to every control
- * of a dialog (lParam points to the message); it always answers 1, so that
- * the walk goes on to the end. */
+ * of a dialog: `lParam` points to an ORTO_ChildMessage.  It always answers
+ * 1, so that the walk goes on to the end. */
 ORTO_API int32_t SndMsgEnumCb(ORTO_HWND window, intptr_t lParam);
 
 /* ======================================================================

@@ -330,3 +330,17 @@ TEST(CheckPlacement, LockedOriginFullAreaAndNearTheRightEdge)
         ORTO_DestroyWindow(edit);
     }
 }
+
+TEST(CheckDialog, OptionsFromTheDialogButNotBesideIt)
+{
+    CheckFixture f;
+    f.user.then(inspect([](ORTO_HWND) { EXPECT_EQ(ORTO_OptionsDlg(nullptr), ORTO_DialogActive); }, click(Options)));
+    f.user.then(click(1042)); /* Phonetic suggestions, in the nested Options dialog */
+    f.user.then(click(ORTO_IDOK));
+    f.user.then(inspect([](ORTO_HWND d) { EXPECT_EQ(itemText(d, Word), "wrld"); }, click(1055)));
+    f.user.then(closeDialog());
+    std::string text = "wrld";
+    EXPECT_EQ(f.check(&text), ORTO_Cancelled);
+    EXPECT_EQ(ORTO_GetOption(ORTO_GetSid(), ORTO_PhoneticSuggestions), 1);
+    EXPECT_EQ(f.user.helpCalls, (std::vector<std::pair<std::string, uint32_t>>{{"orto.hlp", 100}}));
+}

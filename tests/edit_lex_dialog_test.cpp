@@ -176,6 +176,22 @@ TEST(NewLexDialog, NamesExtensionsBrowseAndCancel)
     EXPECT_TRUE(fileExists(other + "/plain"));
     EXPECT_EQ(f.key("UserLexFiles"), other + "/plain");
     EXPECT_EQ(f.user.helpCalls.back().second, 400u);
+
+    /* a host's New Dictionary template with the same ids */
+    ORTO_HINSTANCE host = ORTO_LoadTemplates("Fresh DIALOG 0,0,100,40\nCAPTION \"Fresh list\"\nBEGIN\n"
+                                             " EDITTEXT 1027, 0,0,60,12\n COMBOBOX 1023, 0,14,60,30, CBS_SIMPLE\n"
+                                             " DEFPUSHBUTTON \"Make\", 1, 70,0,30,14\nEND\n",
+                                             nullptr, 0);
+    f.user.acts.clear();
+    f.user.next = 0;
+    f.user.then(click(NewFile));
+    f.user.then(typeText(NameField, "hosted"));
+    f.user.then(click(ORTO_IDOK));
+    f.user.then(click(ORTO_IDCANCEL));
+    EXPECT_EQ(ORTO_EditLexDlgTmplt(nullptr, host, nullptr, "FRESH"), 0);
+    EXPECT_TRUE(fileExists(f.path("hosted.TLX")));
+    EXPECT_NE(std::find(f.user.captions.begin(), f.user.captions.end(), "Fresh list"), f.user.captions.end());
+    ORTO_FreeTemplates(host);
     EXPECT_EQ(f.user.fileRequests[0].title, "Create Dictionary File");
     EXPECT_EQ(f.user.fileRequests[0].flags, 0x80Eu);
 }

@@ -357,7 +357,7 @@ ORTO_API int16_t ORTO_DelBlockText(int16_t sid, int16_t block, uint32_t count);
  * the name has more than 515 characters), ORTO_TooManyLexicons,
  * ORTO_OutOfMemory (also: a part of a compressed lexicon is larger than
  * `memoryBudget`, or its tables pass their limits), ORTO_BadFormat (a
- * damaged compressed lexicon), ORTO_ReadError (one cut short),
+ * damaged compressed lexicon), ORTO_ReadError (its suffix tables cut short),
  * ORTO_Unsupported (a Unicode one) or ORTO_BadSessionId. */
 ORTO_API int16_t ORTO_OpenLex(int16_t sid, const char *fileName, uint32_t memoryBudget);
 

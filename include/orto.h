@@ -14,8 +14,18 @@
  * string; a null output buffer counts as a buffer of size 0.  No call
  * dereferences a null pointer.
  *
- * Threads: a session serves one thread at a time.  Different sessions may be
- * used from different threads at once.
+ * Threads: the engine starts no thread of its own.  A host may run one
+ * session per thread: ORTO_OpenSession and ORTO_CloseSession may be called
+ * from any thread at any time, and different sessions may work at once,
+ * also on the same lexicon files (each session holds its own copy in
+ * memory; the clients of one text lexicon file take turns by the file's
+ * lock, between threads as between processes).  A session, with its
+ * lexicons, blocks and compression, serves one thread at a time: two
+ * threads must never call with one session id at once, and a session
+ * handed from one thread to another must pass through the host's own
+ * synchronisation.  ORTO_SetDebugFile changes a name that every thread
+ * reads: call it while no other thread is in the engine.  The lines that
+ * threads log go whole into the one file, in no fixed order.
  */
 #ifndef ORTO_H
 #define ORTO_H

@@ -2,6 +2,7 @@
 # Builds and runs every test twice: a normal build, then one under
 # AddressSanitizer and UndefinedBehaviorSanitizer, where any report fails;
 # between the two, fuzzes the compressed-lexicon reader for a minute.
+# Last, the threaded test under ThreadSanitizer, where a data race fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -19,3 +20,9 @@ bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE=ON -DO
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:halt_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir build-asan --output-on-failure -j"$jobs"
+
+echo "== thread sanitizer build: sessions on threads of their own"
+cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE_THREADS=ON \
+  -DORTO_BUILD_BENCH=OFF >/dev/null
+cmake --build build-tsan -j"$jobs" --target threads_test orto_lexicons
+TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 build-tsan/tests/threads_test

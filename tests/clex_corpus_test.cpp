@@ -71,8 +71,9 @@ TEST(ClexCorpus, GoldenResults)
         if (name.rfind("valid-", 0) == 0 || name.rfind("cut-", 0) == 0) {
             ASSERT_GE(lex, 0);
             EXPECT_EQ(format, ORTO_LexCompressed);
-            if (name[0] == 'c')
+            if (name[0] == 'c') {
                 EXPECT_EQ(ORTO_FindLexWord(sid, lex, "walk", nullptr, 0), ORTO_NotFound);
+            }
         } else if (name.rfind("bad-segment-", 0) == 0) {
             ASSERT_GE(lex, 0);
             EXPECT_EQ(format, ORTO_LexCompressed);

@@ -4,7 +4,10 @@
  *
  * The table of sessions is the process's own.  Only the search for a free
  * slot is guarded; everything after it works on a slot that is already
- * taken, so a session serves one thread without further locking.
+ * taken, so a session serves one thread without further locking.  The
+ * slots themselves are read and written atomically, because closing a
+ * session clears its slot without the lock while another thread may be
+ * searching the table under it.
  */
 #include "engine/session.h"
 
@@ -20,13 +23,22 @@ static bool sessionTableCleared; /* set by the first ORTO_OpenSession */
 
 static const char revisionString[] = "$Revision: 5.1 $";
 
+static Session *slotAt(int sid)
+{
+    return __atomic_load_n(&SessionTable[sid], __ATOMIC_ACQUIRE);
+}
+
+static void setSlot(int sid, Session *session)
+{
+    __atomic_store_n(&SessionTable[sid], session, __ATOMIC_RELEASE);
+}
+
 Session *sessionFromId(i16 sid, const char *call)
 {
-    if (sid < 0 || sid >= MaxSessions || !SessionTable[sid]) {
+    Session *s = sid >= 0 && sid < MaxSessions ? slotAt(sid) : nullptr;
+    if (!s)
         DebugLog("%s: bad session id %hd", call, sid);
-        return nullptr;
-    }
-    return SessionTable[sid];
+    return s;
 }
 
 Lexicon *lexFromId(Session *session, i16 lex, const char *call)
@@ -52,11 +64,11 @@ extern "C" int16_t ORTO_OpenSession(void)
     bool locked = sessionLockAcquire(10000); /* after 10 s the call goes on */
     if (!sessionTableCleared) {
         for (int i = 0; i < MaxSessions; i++)
-            SessionTable[i] = nullptr;
+            setSlot(i, nullptr);
         sessionTableCleared = true;
     }
     int sid = 0;
-    while (sid < MaxSessions && SessionTable[sid])
+    while (sid < MaxSessions && slotAt(sid))
         sid++;
     if (sid == MaxSessions) {
         DebugLog("ORTO_OpenSession: too many sessions");
@@ -71,13 +83,13 @@ extern "C" int16_t ORTO_OpenSession(void)
             sessionLockRelease();
         return ORTO_OutOfMemory;
     }
-    SessionTable[sid] = s;
-    if (locked)
-        sessionLockRelease();
-
+    /* the record is whole before its slot shows it */
     s->language = ORTO_LangAmerican;
     s->options = ORTO_DefaultOptions;
     s->compressor = nullptr;
+    setSlot(sid, s);
+    if (locked)
+        sessionLockRelease();
     DebugLog("ORTO_OpenSession: session opened");
     return (int16_t)sid;
 }
@@ -95,8 +107,8 @@ extern "C" int16_t ORTO_CloseSession(int16_t sid)
             ORTO_CloseBlock(sid, block);
     if (s->compressor)
         ORTO_CompressLexAbort(sid);
+    setSlot(sid, nullptr);
     free(s);
-    SessionTable[sid] = nullptr;
     DebugLog("ORTO_CloseSession: Session %hd closed", sid);
     return 0;
 }

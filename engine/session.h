@@ -23,6 +23,8 @@ struct Session {
     u32 options;                    /* the option mask */
 };
 
+/* The sessions of the process, by id; null: free.  The engine reads and
+ * writes the slots with atomic loads and stores (session.cpp). */
 extern Session *SessionTable[MaxSessions];
 
 /* The validation rule: each logs "<call>: bad session id %hd" (or lex,

@@ -14,8 +14,18 @@
  * string; a null output buffer counts as a buffer of size 0.  No call
  * dereferences a null pointer.
  *
- * Threads: a session serves one thread at a time.  Different sessions may be
- * used from different threads at once.
+ * Threads: the engine starts no thread of its own.  A host may run one
+ * session per thread: ORTO_OpenSession and ORTO_CloseSession may be called
+ * from any thread at any time, and different sessions may work at once,
+ * also on the same lexicon files (each session holds its own copy in
+ * memory; the clients of one text lexicon file take turns by the file's
+ * lock, between threads as between processes).  A session, with its
+ * lexicons, blocks and compression, serves one thread at a time: two
+ * threads must never call with one session id at once, and a session
+ * handed from one thread to another must pass through the host's own
+ * synchronisation.  ORTO_SetDebugFile changes a name that every thread
+ * reads: call it while no other thread is in the engine.  The lines that
+ * threads log go whole into the one file, in no fixed order.
  */
 #ifndef ORTO_H
 #define ORTO_H
@@ -357,7 +367,7 @@ ORTO_API int16_t ORTO_DelBlockText(int16_t sid, int16_t block, uint32_t count);
  * the name has more than 515 characters), ORTO_TooManyLexicons,
  * ORTO_OutOfMemory (also: a part of a compressed lexicon is larger than
  * `memoryBudget`, or its tables pass their limits), ORTO_BadFormat (a
- * damaged compressed lexicon), ORTO_ReadError (one cut short),
+ * damaged compressed lexicon), ORTO_ReadError (its suffix tables cut short),
  * ORTO_Unsupported (a Unicode one) or ORTO_BadSessionId. */
 ORTO_API int16_t ORTO_OpenLex(int16_t sid, const char *fileName, uint32_t memoryBudget);
 

@@ -8,11 +8,17 @@
  * is read in a single read, since a read per record would cost more than
  * the rest of the opening.
  *
+ * A file ends where its bytes end: one that stops after a whole section,
+ * or inside the id of the next one, or inside the language, the character
+ * size, the segment text or a section we don't know, opens with what came
+ * before.  What can't be read that way has its own answer: a length field
+ * cut off is no format of ours, a suffix table cut off a read error.
+ *
  * Nothing read from the file is trusted for a size: every table, count and
  * directory record is held against the bytes the file really has before
  * anything is allocated, and a directory record must lie inside the
- * segment text.  A damaged file is refused here, so that loadSeg never
- * seeks outside the text.
+ * segment text that is there.  A damaged file is refused here, so that
+ * loadSeg never seeks outside the text.
  */
 #include <stdlib.h>
 #include <string.h>
@@ -56,11 +62,10 @@ i16 CLex_Probe(const char *fileName, Lexicon *lexicon)
     for (;;) {
         u32 id = 0;
         u32 length = 0;
-        int32_t n = readValue(handle, &id);
-        if (n == 0)
+        /* fewer than 4 bytes of an id: the file's end */
+        if (readValue(handle, &id) != 4)
             break;
-        /* a header cut off anywhere, in its id too, is no section */
-        if (n != 4 || readValue(handle, &length) != 4) {
+        if (readValue(handle, &length) != 4) {
             DebugLog("%s: error reading section length", fileName);
             fileClose(handle);
             return ORTO_BadFormat;
@@ -202,10 +207,12 @@ static i16 readSuffixes(CLex *clex, OpenState *st)
 
 static i16 readDirectory(CLex *clex, OpenState *st)
 {
+    /* A directory cut off holds records that lie outside the file: refused
+     * here rather than left to fail at a lookup. */
     u32 count = 0;
     if (readValue(st->handle, &count) != 4) {
-        DebugLog("%s: read error", clex->fileName);
-        return ORTO_ReadError;
+        DebugLog("%s: directory runs past the end of the file", clex->fileName);
+        return ORTO_BadFormat;
     }
     if (count > MaxSegments) {
         DebugLog("%s: too many segments (%hu)", clex->fileName, (u16)count);
@@ -213,8 +220,8 @@ static i16 readDirectory(CLex *clex, OpenState *st)
     }
     int64_t bytes = (int64_t)count * DirRecordSize;
     if (bytes > bytesLeft(st)) {
-        DebugLog("%s: read error", clex->fileName);
-        return ORTO_ReadError;
+        DebugLog("%s: directory runs past the end of the file", clex->fileName);
+        return ORTO_BadFormat;
     }
     if (count == 0)
         return 0;
@@ -254,13 +261,15 @@ static i16 readDirectory(CLex *clex, OpenState *st)
     return 0;
 }
 
+/* Sections 1 to 4 are read field by field, and their length isn't used;
+ * the text and unknown sections are passed by their length.  A value cut
+ * off by the file's end is not stored: the next id finds the end. */
 static i16 readSection(CLex *clex, OpenState *st, u32 id, u32 length)
 {
     int32_t start = fileTell(st->handle);
-    if (start < 0 || (int64_t)length > st->size - start) {
-        DebugLog("%s: section %lu runs past the end of the file", clex->fileName,
-                 (unsigned long)id);
-        return ORTO_BadFormat;
+    if (start < 0) {
+        DebugLog("%s: read error", clex->fileName);
+        return ORTO_ReadError;
     }
     if (id >= SectionSuffixes && id <= SectionText) {
         /* a second table or directory would leave the first one behind */
@@ -274,17 +283,12 @@ static i16 readSection(CLex *clex, OpenState *st, u32 id, u32 length)
     u32 value = 0;
     switch (id) {
     case SectionLanguage:
-        if (readValue(st->handle, &value) != 4) {
-            DebugLog("%s: read error", clex->fileName);
-            return ORTO_ReadError;
-        }
-        clex->language = (u16)value;
+        if (readValue(st->handle, &value) == 4)
+            clex->language = (u16)value;
         return 0;
     case SectionCharSize:
-        if (readValue(st->handle, &value) != 4) {
-            DebugLog("%s: read error", clex->fileName);
-            return ORTO_ReadError;
-        }
+        if (readValue(st->handle, &value) != 4)
+            return 0;
         clex->charSize = (u16)value;
         if (clex->charSize == CharSizeUnicode) {
             DebugLog("%s: Unicode lexicon not supported", clex->fileName);
@@ -298,7 +302,7 @@ static i16 readSection(CLex *clex, OpenState *st, u32 id, u32 length)
         return 0;
     case SectionSuffixes:
         /* without the character size the tables can't be read */
-        if (!st->seen[SectionCharSize]) {
+        if (clex->charSize != CharSizeByte) {
             DebugLog("%s: suffix tables before character size", clex->fileName);
             return ORTO_BadFormat;
         }
@@ -306,16 +310,17 @@ static i16 readSection(CLex *clex, OpenState *st, u32 id, u32 length)
     case SectionDirectory:
         return readDirectory(clex, st);
     case SectionText:
+        /* only the text that is there: a record beyond it is refused */
         clex->textOffset = (u32)start;
-        clex->textLength = length;
+        clex->textLength = (u32)((int64_t)length < st->size - start ? length : st->size - start);
         break;
     default:
         break;
     }
-    if (fileSeek(st->handle, (int32_t)(start + (int64_t)length), FileFromStart) < 0) {
-        DebugLog("%s: section %lu runs past the end of the file", clex->fileName,
-                 (unsigned long)id);
-        return ORTO_BadFormat;
+    int64_t next = start + (int64_t)length;
+    if (fileSeek(st->handle, (int32_t)(next < st->size ? next : st->size), FileFromStart) < 0) {
+        DebugLog("%s: read error", clex->fileName);
+        return ORTO_ReadError;
     }
     return 0;
 }
@@ -356,10 +361,9 @@ static i16 openSections(CLex *clex, OpenState *st)
     for (;;) {
         u32 id = 0;
         u32 length = 0;
-        int32_t n = readValue(st->handle, &id);
-        if (n == 0)
-            break;
-        if (n != 4 || readValue(st->handle, &length) != 4) {
+        if (readValue(st->handle, &id) != 4)
+            break; /* the file's end, also inside an id */
+        if (readValue(st->handle, &length) != 4) {
             DebugLog("%s: error reading section length", clex->fileName);
             return ORTO_BadFormat;
         }

@@ -25,10 +25,11 @@
 #include "orto.h"
 #include "platform/file.h"
 
-/* How long a change waits for other clients' rewrites to end: the same
- * bound as the session lock.  One rewrite takes milliseconds, but a queue
- * of clients on a slow disk (each rewrite ends in fsync) can take seconds,
- * and polling for the lock is not first come, first served. */
+/* How long a change waits for the lock while no other client gets it: the
+ * same bound as the session lock.  A queue of clients on a slow or busy
+ * disk (each rewrite ends in fsync) can take far longer as a whole, but
+ * every turn taken starts the bound again, so only a client stuck while
+ * holding the lock makes a change fail. */
 enum { LockWaitMs = 10000 };
 /* Temporary names tried before a rewrite gives up. */
 enum { TempNameTries = 100 };

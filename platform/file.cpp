@@ -359,6 +359,25 @@ int fileLastErrorWasExists(void)
     return errno == EEXIST;
 }
 
+/* The turns taken on a lock file: a count in its first 8 bytes, raised by
+ * each client that gets the lock.  0 when it can't be read. */
+static uint64_t lockTurns(int fd)
+{
+    uint64_t turns = 0;
+    ssize_t n;
+    do {
+        n = pread(fd, &turns, sizeof turns, 0);
+    } while (n < 0 && errno == EINTR);
+    return n == (ssize_t)sizeof turns ? turns : 0;
+}
+
+static int64_t monotonicMs()
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return (int64_t)ts.tv_sec * 1000 + ts.tv_nsec / 1000000;
+}
+
 int fileLock(const char *name, uint32_t timeoutMs)
 {
     if (!name || !*name)
@@ -376,21 +395,35 @@ int fileLock(const char *name, uint32_t timeoutMs)
     if (fd < 0)
         return -1;
     /* Polling rather than a blocking flock: a wait that can't be bounded
-     * would hang the host's call forever behind a stuck client. */
-    const uint32_t pollMs = 1;
-    uint32_t waited = 0;
+     * would hang the host's call forever behind a stuck client.  The bound
+     * is on a wait in which no client gets the lock: while the others take
+     * their turns the queue moves, however slowly a loaded machine lets it,
+     * and only a client that holds the lock without end makes us give up. */
+    const long pollNs = 1000000;
+    uint64_t turns = lockTurns(fd);
+    int64_t deadline = monotonicMs() + timeoutMs;
     for (;;) {
-        if (flock(fd, LOCK_EX | LOCK_NB) == 0)
+        if (flock(fd, LOCK_EX | LOCK_NB) == 0) {
+            uint64_t next = lockTurns(fd) + 1;
+            if (pwrite(fd, &next, sizeof next, 0) < 0) {
+                /* a lock file we can only read: our turn goes uncounted */
+            }
             return fd;
+        }
         if (errno != EWOULDBLOCK && errno != EINTR) {
             close(fd);
             return -1;
         }
-        if (waited >= timeoutMs)
+        int64_t now = monotonicMs();
+        uint64_t seen = lockTurns(fd);
+        if (seen != turns) {
+            turns = seen;
+            deadline = now + timeoutMs;
+        }
+        if (now >= deadline)
             break;
-        struct timespec ts = {0, (long)pollMs * 1000000};
+        struct timespec ts = {0, pollNs};
         nanosleep(&ts, nullptr);
-        waited += pollMs;
     }
     close(fd);
     return -2;

@@ -118,10 +118,13 @@ int fileCreateNew(const char *name, const char *likeName);
 int fileLastErrorWasExists(void);
 
 /* Exclusive advisory lock on the lock file `name`, created if missing and
- * left in place afterwards.  Waits up to `timeoutMs`, polling.  Result a
- * handle holding the lock, -1 if the lock file can't be made, or -2 if the
- * lock wasn't had in time.  Locks of one process on separate handles
- * exclude each other as locks of separate processes do. */
+ * left in place afterwards.  Waits, polling, as long as other clients keep
+ * taking the lock in turn, and gives up when `timeoutMs` pass in which none
+ * of them got it (a client stuck while holding it).  The lock file counts
+ * the turns in its first 8 bytes.  Result a handle holding the lock, -1 if
+ * the lock file can't be made, or -2 if the lock wasn't had.  Locks of one
+ * process on separate handles exclude each other as locks of separate
+ * processes do. */
 int fileLock(const char *name, uint32_t timeoutMs);
 /* Gives the lock up and closes its handle; -1 is ignored. */
 void fileUnlock(int handle);

@@ -1,29 +1,33 @@
 #!/usr/bin/env bash
 # Builds the fuzz targets with clang and runs each for a bounded time:
-# scripts/fuzz.sh [seconds for the compressed lexicon reader, default 60]
-# The INI reader and the template reader get a quarter of that each (at
-# least 10 s): their inputs are small and their paths few.
-# The checked-in corpora (fuzz/corpus/*) seed the runs and aren't changed;
-# new inputs go to a scratch folder, crashes to build-fuzz/crashes/.
+#   scripts/fuzz.sh [seconds per target, default 60] [target...]
+# Targets: clex tlex block compress pipe ini template (all when none is
+# named).  With ORTO_FUZZ_RUNS set, each runs that many inputs instead (the
+# long runs by hand).  The checked-in corpus (fuzz/corpus/TARGET) seeds each run and
+# isn't changed; new inputs go to a scratch folder, crashes to
+# build-fuzz/crashes/.  The engine syncs every file it writes, so the
+# targets' scratch files go to /dev/shm where there is one.
 set -euo pipefail
 seconds=${1:-60}
+shift || true
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(clex tlex block compress pipe ini template)
 cd "$(dirname "$0")/.."
 dir=${ORTO_FUZZ_BUILD_DIR:-build-fuzz}
 CC=clang CXX=clang++ cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DORTO_BUILD_FUZZ=ON -DORTO_BUILD_TESTS=OFF -DORTO_BUILD_BENCH=OFF >/dev/null
-cmake --build "$dir" --target clex_fuzz ini_fuzz template_fuzz -j2
+cmake --build "$dir" --target "${targets[@]/%/_fuzz}" -j2
+[ -d /dev/shm ] && [ -w /dev/shm ] && export TMPDIR=/dev/shm
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$dir/crashes"
-
-# run TARGET SECONDS MAX_LEN: one target on its corpus and dictionary
-run() {
-  mkdir -p "$work/$1"
-  "$dir/fuzz/$1_fuzz" -max_total_time="$2" -max_len="$3" -timeout=10 \
-    -dict="fuzz/$1.dict" -artifact_prefix="$dir/crashes/" "$work/$1" "fuzz/corpus/$1"
-}
-run clex "$seconds" 4096
-short=$((seconds / 4))
-short=$((short < 10 ? 10 : short))
-run ini "$short" 8192
-run template "$short" 8192
+for t in "${targets[@]}"; do
+  echo "== fuzzing $t"
+  mkdir -p "$work/$t"
+  limit=(-max_total_time="$seconds")
+  [ -n "${ORTO_FUZZ_RUNS:-}" ] && limit=(-runs="$ORTO_FUZZ_RUNS")
+  dict=()
+  [ -f "fuzz/$t.dict" ] && dict=(-dict="fuzz/$t.dict")
+  "$dir/fuzz/${t}_fuzz" "${limit[@]}" -max_len=4096 -timeout=10 -close_fd_mask=1 \
+    -print_final_stats=1 "${dict[@]}" -artifact_prefix="$dir/crashes/$t-" "$work/$t" "fuzz/corpus/$t"
+done

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test twice: a normal build, then one under
 # AddressSanitizer and UndefinedBehaviorSanitizer, where any report fails;
-# between the two, fuzzes the compressed-lexicon reader for a minute, and
-# the INI and template readers for 15 seconds each.
+# between the two, fuzzes every reader of outside input for 30 s each.
+# Last, the threaded test under ThreadSanitizer, where a data race fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh
@@ -12,11 +12,17 @@ echo "== normal build"
 bash scripts/build.sh build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 ctest --test-dir build --output-on-failure -j"$jobs"
 
-echo "== fuzzing the compressed lexicon reader for 60 s, the INI and template readers for 15 s each"
-bash scripts/fuzz.sh 60
+echo "== fuzzing every reader for 30 s each"
+bash scripts/fuzz.sh 30
 
 echo "== sanitizer build"
 bash scripts/build.sh build-asan -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE=ON -DORTO_BUILD_BENCH=OFF
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:halt_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir build-asan --output-on-failure -j"$jobs"
+
+echo "== thread sanitizer build: sessions on threads of their own"
+cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DORTO_SANITIZE_THREADS=ON \
+  -DORTO_BUILD_BENCH=OFF >/dev/null
+cmake --build build-tsan -j"$jobs" --target threads_test orto_lexicons
+TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 build-tsan/tests/threads_test

@@ -25,6 +25,8 @@
  */
 #include <limits.h>
 #include <string.h>
+
+#include <atomic>
 #if defined(__x86_64__) || defined(__i386__)
 #include <immintrin.h>
 #endif
@@ -450,10 +452,6 @@ static i16 walkWordsPlain(CLex *clex, u32 index, const ScoreProbe *probe, Sugges
 
 typedef i16 (*WalkWords)(CLex *, u32, const ScoreProbe *, SuggestionList *, i16, bool, TypoSeed *);
 
-/* The build that walks: the best the processor has, unless a test asked
- * for another with segmentWalkBuild.  Set once, before the first walk. */
-static WalkWords chosenWalk;
-
 static WalkWords pickWalk()
 {
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt"))
@@ -461,25 +459,43 @@ static WalkWords pickWalk()
     return __builtin_cpu_supports("popcnt") ? walkWordsCounting : walkWordsPlain;
 }
 
+/* The best build the processor has, chosen once: the first call, on
+ * whichever thread, makes the choice and every other waits for it. */
+static WalkWords bestWalk()
+{
+    static const WalkWords best = pickWalk();
+    return best;
+}
+
+/* A build that a test asked for with segmentWalkBuild; null for the best.
+ * Atomic, since walks on every thread read it. */
+static std::atomic<WalkWords> askedWalk{nullptr};
+
 bool segmentWalkBuild(int build)
 {
     bool counting = __builtin_cpu_supports("popcnt");
     bool wide = counting && __builtin_cpu_supports("avx2");
+    WalkWords asked = nullptr;
     switch (build) {
-    case SegmentWalkBest: chosenWalk = pickWalk(); return true;
-    case SegmentWalkWide: chosenWalk = wide ? walkWordsWide : chosenWalk; return wide;
-    case SegmentWalkCounting: chosenWalk = counting ? walkWordsCounting : chosenWalk; return counting;
-    case SegmentWalkPlain: chosenWalk = walkWordsPlain; return true;
+    case SegmentWalkBest: break;
+    case SegmentWalkWide: asked = walkWordsWide; break;
+    case SegmentWalkCounting: asked = walkWordsCounting; break;
+    case SegmentWalkPlain: asked = walkWordsPlain; break;
     default: return false;
     }
+    if ((asked == walkWordsWide && !wide) || (asked == walkWordsCounting && !counting))
+        return false;
+    askedWalk.store(asked, std::memory_order_relaxed);
+    return true;
 }
 
 i16 walkSegmentTypo(CLex *clex, u32 index, const ScoreProbe *probe, SuggestionList *list,
                     i16 lowestFloor, bool residentOnly, TypoSeed *seed)
 {
-    if (!chosenWalk)
-        chosenWalk = pickWalk();
-    return chosenWalk(clex, index, probe, list, lowestFloor, residentOnly, seed);
+    WalkWords walk = askedWalk.load(std::memory_order_relaxed);
+    if (!walk)
+        walk = bestWalk();
+    return walk(clex, index, probe, list, lowestFloor, residentOnly, seed);
 }
 #else
 bool segmentWalkBuild(int build)

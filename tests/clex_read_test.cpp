@@ -444,34 +444,64 @@ TEST_F(ClexFile, SectionsAndLayoutVariants)
     EXPECT_EQ(find(lex, "a"), ORTO_NotFound);
 }
 
-// Files that aren't compressed lexicons take the text path.
-TEST_F(ClexFile, NotCompressedIsText)
+// The example cut at every length: where it ends, field by field, and what
+// opening gives then.  Opened: a text lexicon (the compressed reader
+// doesn't claim the file) or an empty compressed one (the file ends before
+// a section, or inside the language, the character size or the segment
+// text); else the code and the log line behind "<file>: ".
+TEST_F(ClexFile, ExampleCutAtEveryLength)
 {
-    const std::string cases[] = {
-        "W",                                     // one byte
-        std::string("W\0", 2),                  // two
-        std::string("W\x00\x05\x02zzzz", 8),     // other magic
-        clexb::magic() + std::string("\0\0\0\1\0\0", 6), // header cut in its length
-        clexb::magic() + std::string("\0\0", 2),         // header cut in its id
+    const int16_t AsText = 1, Empty = 2;
+    const struct {
+        size_t below; // cuts up to here
+        int16_t outcome;
+        const char *message;
+    } fields[] = {
+        {4, AsText, ""},                                              // magic number
+        {8, Empty, ""},                                               // id of section 1
+        {12, AsText, "error reading section length"},                 // the probe hands it on
+        {16, Empty, ""},                                              // language
+        {20, Empty, ""},                                              // id of section 2
+        {24, ORTO_BadFormat, "error reading section length"},
+        {28, Empty, ""},                                              // character size
+        {32, Empty, ""},                                              // id of section 3
+        {36, ORTO_BadFormat, "error reading section length"},
+        {50, ORTO_ReadError, "read error"},                           // S, the simple table, E
+        {54, Empty, ""},                                              // id of section 5
+        {58, ORTO_BadFormat, "error reading section length"},
+        {74, Empty, ""},                                              // segment text
+        {78, Empty, ""},                                              // id of section 4
+        {82, ORTO_BadFormat, "error reading section length"},
+        {108, ORTO_BadFormat, "directory runs past the end of the file"}, // count, records
     };
-    for (const std::string &bytes : cases) {
-        int16_t lex = open(bytes);
-        ASSERT_GE(lex, 0);
-        uint16_t format = 9;
-        ORTO_GetLexInfo(sid, lex, nullptr, &format, nullptr);
-        EXPECT_EQ(format, ORTO_LexText);
-        ORTO_CloseLex(sid, lex);
+    const std::string path = dir.file("lex.clx");
+    size_t field = 0;
+    for (size_t cut = 0; cut < sizeof Example; cut++) {
+        while (cut >= fields[field].below)
+            field++;
+        SCOPED_TRACE("cut at " + std::to_string(cut));
+        DebugCapture log;
+        log.clear();
+        int16_t lex = open(exampleBytes().substr(0, cut));
+        std::vector<std::string> expected;
+        if (*fields[field].message)
+            expected.push_back(path + ": " + fields[field].message);
+        if (fields[field].outcome < 0) {
+            EXPECT_EQ(lex, fields[field].outcome);
+        } else {
+            ASSERT_GE(lex, 0);
+            uint16_t format = 9;
+            ORTO_GetLexInfo(sid, lex, nullptr, &format, nullptr);
+            EXPECT_EQ(format, fields[field].outcome == AsText ? ORTO_LexText : ORTO_LexCompressed);
+            EXPECT_EQ(find(lex, "walk"), ORTO_NotFound);
+            expected.push_back("ORTO_OpenLex: " + path + " opened; id=" + std::to_string(lex));
+            EXPECT_EQ(log.lines(), expected);
+            ORTO_CloseLex(sid, lex);
+            continue;
+        }
+        EXPECT_EQ(log.lines(), expected);
     }
-    DebugCapture log;
-    int16_t lex = open(clexb::magic() + std::string("\0\0\0\1\0\0", 6));
-    EXPECT_GE(lex, 0);
-    EXPECT_TRUE(log.has(dir.file("lex.clx") + ": error reading section length"));
-    // the magic alone is an empty compressed lexicon
-    lex = open(clexb::magic());
-    ASSERT_GE(lex, 0);
-    uint16_t format = 9;
-    ORTO_GetLexInfo(sid, lex, nullptr, &format, nullptr);
-    EXPECT_EQ(format, ORTO_LexCompressed);
+    EXPECT_EQ(field, sizeof fields / sizeof *fields - 1);
     EXPECT_EQ(ORTO_OpenLex(sid, dir.file("missing.clx").c_str(), 0), ORTO_FileOpenError);
 }
 
@@ -498,16 +528,15 @@ TEST_F(ClexFile, DamagedFilesAreRefused)
         {m + s1 + section(2, be32(2)) + s3 + s5 + s4, ORTO_Unsupported, "Unicode lexicon not supported"},
         {m + s1 + section(2, be32(3)) + s3 + s5 + s4, ORTO_BadFormat, "character size 3 not supported"},
         {m + s1 + s3 + s2 + s5 + s4, ORTO_BadFormat, "suffix tables before character size"},
-        {m + s1 + s2 + section(3, be32(70000) + std::string(70004, 'x')) + s5 + s4, ORTO_OutOfMemory,
+        // the limits come first, also in a file shorter than they say
+        {m + s1 + s2 + section(3, be32(70000) + "xx"), ORTO_OutOfMemory,
          "simple suffix table too large (70000)"},
         {m + s1 + s2 + section(3, be32(0) + be32(65536)) + s5 + s4, ORTO_OutOfMemory,
          "extended suffix table too large (65536)"},
-        {m + s1 + s2 + be32(3) + be32(20) + be32(60000) + "abc", ORTO_BadFormat,
-         "section 3 runs past the end of the file"},
         {m + s1 + s2 + be32(3) + be32(9) + be32(60000) + "abcde", ORTO_ReadError, "read error"},
         {m + s1 + s2 + s3 + s5 + section(4, be32(0x10001)), ORTO_OutOfMemory, "too many segments (1)"},
-        {m + s1 + s2 + s3 + s5 + section(4, be32(60000) + std::string(22, 'a')), ORTO_ReadError,
-         "read error"},
+        {m + s1 + s2 + s3 + s5 + section(4, be32(60000) + std::string(22, 'a')), ORTO_BadFormat,
+         "directory runs past the end of the file"},
         {m + s1 + s2 + s3 + s5 + dirOf({"cat" + be32(0) + be32(1000)}), ORTO_BadFormat,
          "segment 0 lies outside the segment text"},
         {m + s1 + s2 + s3 + s5 + dirOf({"cat" + be32(0xFFFFFFF0u) + be32(0x20)}), ORTO_BadFormat,
@@ -520,11 +549,9 @@ TEST_F(ClexFile, DamagedFilesAreRefused)
          ORTO_BadFormat, "directory out of order at segment 1"},
         {m + s1 + s2 + s3 + s3 + s5 + s4, ORTO_BadFormat, "section 3 twice"},
         {m + s1 + s2 + s3 + s5 + s4 + s4, ORTO_BadFormat, "section 4 twice"},
-        {m + s1 + s2 + s3 + be32(5) + be32(1000), ORTO_BadFormat,
-         "section 5 runs past the end of the file"},
-        {m + s1 + s2 + s3 + s5 + be32(4) + be32(2) + std::string(2, '\0'), ORTO_ReadError, "read error"},
-        {m + s1 + s2 + s3 + s5 + be32(4), ORTO_BadFormat, "error reading section length"},
-        {m + be32(1) + be32(4) + "\0a", ORTO_BadFormat, "section 1 runs past the end of the file"},
+        // text cut short under a directory read before it
+        {m + s1 + s2 + s3 + s4 + be32(5) + be32(1000) + "\0", ORTO_BadFormat,
+         "segment 0 lies outside the segment text"},
     };
     for (const Case &c : cases) {
         DebugCapture log;

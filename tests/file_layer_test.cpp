@@ -4,10 +4,14 @@
  */
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/file.h"
@@ -133,4 +137,24 @@ TEST(FileLayer, LocksExcludeOtherHandlesOfTheProcess)
     fileUnlock(second);
     EXPECT_TRUE(fileExists(name));
     EXPECT_EQ(fileLock(dir.file("no/x.lock").c_str(), 1000), -1);
+
+    // each turn is counted in the lock file, and a waiter that sees the
+    // count move keeps waiting past its bound: here the holder counts
+    // turns for 1.5 s against a bound of 1 s, then lets go
+    uint64_t turns = 0;
+    memcpy(&turns, readFile(name).data(), sizeof turns);
+    EXPECT_EQ(turns, 2u);
+    int holder = fileLock(name.c_str(), 0);
+    std::atomic<int> waiter{-9};
+    std::thread wait([&] { waiter = fileLock(name.c_str(), 1000); });
+    for (int i = 0; i < 150; i++) {
+        uint64_t next = 4 + (uint64_t)i;
+        ASSERT_EQ(pwrite(holder, &next, sizeof next, 0), (ssize_t)sizeof next);
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(waiter, -9);
+    fileUnlock(holder);
+    wait.join();
+    EXPECT_GE(waiter, 0);
+    fileUnlock(waiter);
 }

@@ -26,6 +26,7 @@
 #include <string.h>
 
 #include "check_walk.h"
+#include "cmd_pipe.h"
 #include "lexicons.h"
 #include "orto.h"
 #include "suggestions.h"
@@ -163,13 +164,13 @@ static void candidatesFor(int16_t sid, const WalkWord &w, const CheckOptions &op
 }
 
 static void answerLine(LexiconSet *set, const std::string &line, unsigned long lineNumber,
-                       const CheckOptions &options, bool terse)
+                       const CheckOptions &options, bool terse, FILE *out)
 {
     std::string engine;
     if (!toEngineText(line, options.encoding, &engine)) {
         printError("standard input:%lu: invalid UTF-8 (give -i latin1 for Latin-1 text); line not checked",
                    lineNumber);
-        fputs("\n", stdout);
+        fputs("\n", out);
         return;
     }
     std::vector<WalkWord> words;
@@ -180,21 +181,21 @@ static void answerLine(LexiconSet *set, const std::string &line, unsigned long l
     for (const WalkWord &w : words) {
         if (w.mask == 0) {
             if (!terse)
-                fputs("*\n", stdout);
+                fputs("*\n", out);
             continue;
         }
         std::string word = fromEngineText(w.word, options.encoding);
         candidatesFor(set->sid, w, options, &candidates);
         if (candidates.empty()) {
-            printf("# %s %u\n", word.c_str(), (unsigned)w.offset);
+            fprintf(out, "# %s %u\n", word.c_str(), (unsigned)w.offset);
             continue;
         }
-        printf("& %s %zu %u: ", word.c_str(), candidates.size(), (unsigned)w.offset);
+        fprintf(out, "& %s %zu %u: ", word.c_str(), candidates.size(), (unsigned)w.offset);
         for (size_t i = 0; i < candidates.size(); i++)
-            printf("%s%s", i ? ", " : "", fromEngineText(candidates[i], options.encoding).c_str());
-        fputs("\n", stdout);
+            fprintf(out, "%s%s", i ? ", " : "", fromEngineText(candidates[i], options.encoding).c_str());
+        fputs("\n", out);
     }
-    fputs("\n", stdout);
+    fputs("\n", out);
 }
 
 /* A word of a command line, in engine text; false with a note. */
@@ -208,6 +209,52 @@ static bool commandWord(const std::string &text, const CheckOptions &options, un
         return false;
     }
     return true;
+}
+
+void pipeLines(LexiconSet *set, const CheckOptions &options, FILE *in, FILE *out)
+{
+    bool terse = false;
+    char *buffer = nullptr;
+    size_t capacity = 0;
+    ssize_t n;
+    unsigned long lineNumber = 0;
+    while ((n = getline(&buffer, &capacity, in)) >= 0) {
+        std::string line(buffer, (size_t)n);
+        lineNumber++;
+        while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
+            line.pop_back();
+        std::string word;
+        switch (line.empty() ? 0 : line[0]) {
+        case '*':
+            if (commandWord(line.substr(1), options, lineNumber, &word))
+                addToPersonal(set, word);
+            break;
+        case '&':
+            if (commandWord(line.substr(1), options, lineNumber, &word))
+                addToPersonal(set, lowerCase(word));
+            break;
+        case '@':
+            if (commandWord(line.substr(1), options, lineNumber, &word))
+                acceptForRun(set, word);
+            break;
+        case '#': /* every add is written at once: nothing is left to save */
+        case '+':
+        case '-':
+        case '~':
+            break;
+        case '!':
+            terse = true;
+            break;
+        case '%':
+            terse = false;
+            break;
+        default: /* '^' and all text */
+            answerLine(set, line, lineNumber, options, terse, out);
+            break;
+        }
+        fflush(out);
+    }
+    free(buffer);
 }
 
 int runPipe(int argc, char **argv, int first)
@@ -228,49 +275,7 @@ int runPipe(int argc, char **argv, int first)
     ORTO_Version(version, sizeof version);
     printf("@(#) International Ispell Version 3.1.20 (but really ORTO %s)\n", version);
     fflush(stdout);
-
-    bool terse = false;
-    char *buffer = nullptr;
-    size_t capacity = 0;
-    ssize_t n;
-    unsigned long lineNumber = 0;
-    while ((n = getline(&buffer, &capacity, stdin)) >= 0) {
-        std::string line(buffer, (size_t)n);
-        lineNumber++;
-        while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-            line.pop_back();
-        std::string word;
-        switch (line.empty() ? 0 : line[0]) {
-        case '*':
-            if (commandWord(line.substr(1), options, lineNumber, &word))
-                addToPersonal(&set, word);
-            break;
-        case '&':
-            if (commandWord(line.substr(1), options, lineNumber, &word))
-                addToPersonal(&set, lowerCase(word));
-            break;
-        case '@':
-            if (commandWord(line.substr(1), options, lineNumber, &word))
-                acceptForRun(&set, word);
-            break;
-        case '#': /* every add is written at once: nothing is left to save */
-        case '+':
-        case '-':
-        case '~':
-            break;
-        case '!':
-            terse = true;
-            break;
-        case '%':
-            terse = false;
-            break;
-        default: /* '^' and all text */
-            answerLine(&set, line, lineNumber, options, terse);
-            break;
-        }
-        fflush(stdout);
-    }
-    free(buffer);
+    pipeLines(&set, options, stdin, stdout);
     closeLexicons(&set);
     return ExitOk;
 }

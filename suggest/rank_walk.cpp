@@ -1,0 +1,227 @@
+/*
+ * rank_walk.cpp -- the candidates of the second ranking: the words of each
+ * lexicon that lie within a few plain edits of the checked word.
+ *
+ * A plain edit is a letter put in, left out, changed, or two neighbours
+ * swapped; the word may lie RankWord.maxEdits of them away (one for words
+ * of up to three letters, two up to seven, three beyond).  Nearly every
+ * misspelling keeps its first letter, or loses it to a neighbour, so a
+ * compressed lexicon is walked where its segment keys begin like the word
+ * (first letter the same), or like the word with one edit at its start
+ * (the first letter swapped, dropped, doubled or changed), and nowhere
+ * else.  In a segment, each word is weighed by its length and its letters
+ * first: it can't lack more of the word's letters, or hold more others,
+ * than there are edits to spend.  The few that pass run the plain edit
+ * distance, which takes up the rows of the last word where their beginning
+ * is shared, since the words come sorted; the ones within reach are costed
+ * by the error model and offered to the pool.
+ */
+#include "suggest/rank.h"
+
+#include <string.h>
+
+#include "engine/charclass.h"
+#include "engine/string_helpers.h"
+#include "lexicon/clex.h"
+#include "lexicon/lexicon.h"
+
+/* The rows of the plain edit distance of the last candidate that ran it. */
+struct EditTrail {
+    unsigned char fold[WordSize];        /* that candidate, folded */
+    unsigned char row[WordSize][WordSize]; /* row[j][i]: its first j characters against the word's first i */
+    i32 rows;                            /* rows that hold a value: 0..rows-1 */
+    i32 deadAt;                          /* first row whose least value passes the edits; rows when none */
+};
+
+static void trailInit(EditTrail *trail, const RankWord *word)
+{
+    for (i32 i = 0; i <= word->length; i++)
+        trail->row[0][i] = (unsigned char)i;
+    trail->rows = 1;
+    trail->deadAt = 1 << 30;
+}
+
+/* The plain edit distance (with swaps of neighbours) from the word to
+ * `candidate`, or maxEdits + 1 once it must be more. */
+static i32 plainEdits(const RankWord *word, const char *candidate, i32 length, EditTrail *trail)
+{
+    const i32 k = word->maxEdits, n = word->length;
+    const unsigned char *fw = word->fold;
+    i32 shared = 0;
+    while (shared < length && shared + 1 < trail->rows &&
+           trail->fold[shared] == rankFold((unsigned char)candidate[shared]))
+        shared++;
+    if (shared >= trail->deadAt)
+        return k + 1;
+    trail->deadAt = 1 << 30;
+    for (i32 j = shared + 1; j <= length; j++) {
+        unsigned char fc = rankFold((unsigned char)candidate[j - 1]);
+        trail->fold[j - 1] = fc;
+        unsigned char *row = trail->row[j], *up = trail->row[j - 1];
+        row[0] = (unsigned char)j;
+        i32 rowMin = j;
+        for (i32 i = 1; i <= n; i++) {
+            i32 v = up[i - 1] + (fw[i - 1] != fc);
+            i32 a = up[i] + 1, b = row[i - 1] + 1;
+            v = a < v ? a : v;
+            v = b < v ? b : v;
+            if (i > 1 && j > 1 && fw[i - 1] == trail->fold[j - 2] && fw[i - 2] == fc &&
+                trail->row[j - 2][i - 2] + 1 < v)
+                v = trail->row[j - 2][i - 2] + 1;
+            row[i] = (unsigned char)v;
+            rowMin = v < rowMin ? v : rowMin;
+        }
+        trail->rows = j + 1;
+        if (rowMin > k) {
+            trail->deadAt = j;
+            return k + 1;
+        }
+    }
+    return trail->row[length][n];
+}
+
+/* Weighs one word of a lexicon that passed the plain edits. */
+static void offerWord(const RankWord *word, const char *candidate, i32 frequencyCost,
+                      RankPool *pool)
+{
+    i32 extra = frequencyCost + rankCaseCost(word, candidate);
+    i32 limit = rankPoolLimit(pool) - extra;
+    if (limit < 0)
+        return;
+    i32 cost = rankErrorCost(word, candidate, limit);
+    if (cost > limit)
+        return;
+    bool same = StrCompare(candidate, word->text) == 0;
+    rankOffer(pool, candidate, cost + extra, rankScore(word, cost + extra, same));
+}
+
+static int popCount(u32 x)
+{
+    return __builtin_popcount(x);
+}
+
+/* Length and letters leave room for the edits. */
+static bool mayReach(const RankWord *word, i32 length, u32 letters)
+{
+    i32 d = length - word->length;
+    if (d > word->maxEdits || -d > word->maxEdits)
+        return false;
+    return popCount(letters & ~word->letters) <= word->maxEdits &&
+           popCount(word->letters & ~letters) <= word->maxEdits;
+}
+
+static void weighCandidate(const RankWord *word, const char *candidate, i32 length,
+                           const RankFrequencies *frequencies, EditTrail *trail, RankPool *pool)
+{
+    if (plainEdits(word, candidate, length, trail) > word->maxEdits)
+        return;
+    int klass = frequencies ? RankFreq_Class(frequencies, candidate) : -1;
+    offerWord(word, candidate, rankFrequencyCost(klass), pool);
+}
+
+/* A segment key begins like the word, or like the word with one edit at
+ * its start. */
+static bool keyMayHold(const RankWord *word, const char *key)
+{
+    unsigned char k0 = rankFold((unsigned char)key[0]), k1 = rankFold((unsigned char)key[1]);
+    unsigned char k2 = rankFold((unsigned char)key[2]);
+    const unsigned char *w = word->fold; /* NUL-padded to WordSize */
+    return k0 == w[0] ||                  /* the same first letter */
+           (k0 == w[1] && k1 == w[2]) ||  /* the word has a letter too many at its start */
+           (k1 == w[0] && k2 == w[1]) ||  /* it lacks its first letter */
+           (k0 == w[1] && k1 == w[0]) ||  /* its first two letters swapped */
+           (k1 == w[1] && k2 == w[2]);    /* its first letter another */
+}
+
+static i16 walkSegment(const RankWord *word, CLex *clex, u32 index,
+                       const RankFrequencies *frequencies, EditTrail *trail, RankPool *pool)
+{
+    const CLexSummary *summary = &clex->summaries[index];
+    if (summary->maxLength && (summary->maxLength + word->maxEdits < word->length ||
+                               summary->minLength > word->length + word->maxEdits))
+        return 0;
+    CLexSegment *segment = clex->segments[index];
+    i16 rc = loadSeg(clex, segment);
+    if (rc == ORTO_NotFound)
+        return 0;
+    RETURN_IF_NEG(rc);
+    if (!segment->words)
+        CLex_BuildWords(clex, index);
+    trailInit(trail, word);
+    if (!segment->words) {
+        /* no memory for the decoded table: decode the text as we go */
+        CLexCursor cur;
+        CLex_StartSegment(&cur, clex, segment);
+        while (const char *w = CLex_NextWord(&cur)) {
+            i32 length = (i32)StrLen(w);
+            u32 letters = 0;
+            for (i32 i = 0; i < length; i++)
+                letters |= CLex_LetterBit(baseLetter[(unsigned char)w[i]]);
+            if (mayReach(word, length, letters))
+                weighCandidate(word, w, length, frequencies, trail, pool);
+        }
+        return 0;
+    }
+    const CLexWords *words = segment->words;
+    const u32 *at = CLex_WordsAt(words);
+    const u32 *letters = CLex_WordsLetters(words);
+    const unsigned char *lengths = CLex_WordsLength(words);
+    const char *chars = CLex_WordsChars(words);
+    for (u32 i = 0; i < words->count; i++)
+        if (mayReach(word, lengths[i], letters[i]))
+            weighCandidate(word, chars + at[i], lengths[i], frequencies, trail, pool);
+    return 0;
+}
+
+i16 rankWalkCLex(const RankWord *word, CLex *clex, const RankFrequencies *frequencies,
+                 RankPool *pool)
+{
+    EditTrail trail;
+    for (u32 index = 0; index < clex->segmentCount; index++) {
+        u32 value = clex->keyValues[index];
+        char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
+        if (key[2] == 0) {
+            /* a key of one or two characters is a word of its own */
+            i32 length = (i32)StrLen(key);
+            u32 letters = CLex_LetterBit(baseLetter[(unsigned char)key[0]]) |
+                          (length > 1 ? CLex_LetterBit(baseLetter[(unsigned char)key[1]]) : 0);
+            if (mayReach(word, length, letters)) {
+                trailInit(&trail, word);
+                weighCandidate(word, key, length, frequencies, &trail, pool);
+            }
+            continue;
+        }
+        if (keyMayHold(word, key))
+            RETURN_IF_NEG(walkSegment(word, clex, index, frequencies, &trail, pool));
+    }
+    return 0;
+}
+
+void rankWalkTLex(const RankWord *word, TLex *tlex, RankPool *pool)
+{
+    EditTrail trail;
+    for (u32 i = 0; i < tlex->count; i++) {
+        const TLexEntry *entry = &tlex->table.base[i];
+        switch (entry->info[0]) {
+        case 'a': case 'A': case 'c': case 'C':
+            if (StrCompare(entry->word, word->text) == 0 && entry->info[1])
+                rankOffer(pool, entry->info + 1, -1, 99);
+            break;
+        case 'i': {
+            /* a word the user keeps counts as a common one */
+            i32 length = (i32)StrLen(entry->word);
+            u32 letters = 0;
+            for (i32 c = 0; c < length; c++)
+                letters |= CLex_LetterBit(baseLetter[(unsigned char)entry->word[c]]);
+            if (!mayReach(word, length, letters))
+                break;
+            trailInit(&trail, word);
+            if (plainEdits(word, entry->word, length, &trail) <= word->maxEdits)
+                offerWord(word, entry->word, rankFrequencyCost(0), pool);
+            break;
+        }
+        default:
+            break;
+        }
+    }
+}

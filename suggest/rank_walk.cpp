@@ -119,18 +119,51 @@ static void weighCandidate(const RankWord *word, const char *candidate, i32 leng
     offerWord(word, candidate, rankFrequencyCost(klass), pool);
 }
 
-/* A segment key begins like the word, or like the word with one edit at
- * its start. */
+/* Spellings of a first sound that a misspelling takes for one another:
+ * `typed` in the word for `meant` in the candidate. */
+struct FirstSound {
+    char typed;
+    const char *meant;
+};
+static const FirstSound FirstSounds[] = {
+    {'f', "ph"}, {'k', "ch"}, {'k', "c"},  {'c', "k"},  {'c', "ch"}, {'c', "s"},
+    {'s', "c"},  {'s', "ps"}, {'s', "sc"}, {'n', "kn"}, {'n', "gn"}, {'r', "wr"},
+    {'r', "rh"}, {'j', "g"},  {'g', "j"},  {'w', "wh"}, {'z', "x"},
+};
+
+/* The key spells the word's first sound another way, and goes on with the
+ * word's next letter or the one after it (y and i taken for each other). */
+static bool keySoundsLike(const unsigned char *w, const unsigned char *key)
+{
+    for (const FirstSound &s : FirstSounds) {
+        if (w[0] != (unsigned char)s.typed)
+            continue;
+        size_t n = strlen(s.meant);
+        if (key[0] != (unsigned char)s.meant[0] || (n > 1 && key[1] != (unsigned char)s.meant[1]))
+            continue;
+        unsigned char next = key[n];
+        if (next == w[1] || next == w[2] || (next == 'y' && w[1] == 'i') || (next == 'i' && w[1] == 'y'))
+            return true;
+    }
+    return false;
+}
+
+/* A segment key begins like the word, like the word with one edit at its
+ * start, or with another spelling of its first sound. */
 static bool keyMayHold(const RankWord *word, const char *key)
 {
     unsigned char k0 = rankFold((unsigned char)key[0]), k1 = rankFold((unsigned char)key[1]);
     unsigned char k2 = rankFold((unsigned char)key[2]);
+    const unsigned char folded[3] = {k0, k1, k2};
     const unsigned char *w = word->fold; /* NUL-padded to WordSize */
+    if (k0 != w[0] && k0 != w[1] && k1 != w[0] && k1 != w[1] && !strchr("cgjkpsrwx", k0))
+        return false; /* the common case, in a glance */
     return k0 == w[0] ||                  /* the same first letter */
            (k0 == w[1] && k1 == w[2]) ||  /* the word has a letter too many at its start */
            (k1 == w[0] && k2 == w[1]) ||  /* it lacks its first letter */
            (k0 == w[1] && k1 == w[0]) ||  /* its first two letters swapped */
-           (k1 == w[1] && k2 == w[2]);    /* its first letter another */
+           (k1 == w[1] && k2 == w[2]) ||  /* its first letter another */
+           keySoundsLike(w, folded);
 }
 
 static i16 walkSegment(const RankWord *word, CLex *clex, u32 index,

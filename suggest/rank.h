@@ -14,6 +14,7 @@
 #ifndef ORTO_SUGGEST_RANK_H
 #define ORTO_SUGGEST_RANK_H
 
+#include "engine/charclass.h"
 #include "engine/session.h"
 #include "engine/types.h"
 
@@ -63,7 +64,10 @@ struct RankWord {
 
 /* Folds a character as the candidate search compares them: small letters
  * without accent; any other byte stays itself. */
-unsigned char rankFold(unsigned char c);
+inline unsigned char rankFold(unsigned char c)
+{
+    return baseLetter[c] ? baseLetter[c] : c;
+}
 void rankWordInit(RankWord *word, const char *text, i16 depth);
 /* The weighted edit distance from the word to `candidate`, in points (100
  * for a plain edit), or a value above `limit` once it is sure to pass it. */

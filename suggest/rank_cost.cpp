@@ -28,11 +28,6 @@
 #include "engine/string_helpers.h"
 #include "lexicon/clex.h"
 
-unsigned char rankFold(unsigned char c)
-{
-    return baseLetter[c] ? baseLetter[c] : c;
-}
-
 /* Costs of one letter for another, by folded letter. */
 struct SubstitutionTable {
     unsigned char cost[26][26];
@@ -78,6 +73,27 @@ static const SoundRule SoundRules[] = {
     {"k", "ch", 55}, {"n", "kn", 50}, {"n", "gn", 55}, {"r", "wr", 50}, {"w", "wh", 50},
     {"s", "ps", 55}, {"s", "sc", 50},
 };
+
+constexpr int SoundRuleCount = sizeof SoundRules / sizeof SoundRules[0];
+static_assert(SoundRuleCount <= 32, "one bit a rule");
+
+/* The rules whose candidate spelling ends in a character, one bit each, so
+ * that a cell of the table tries the few that can apply. */
+struct RuleIndex {
+    u32 byLast[256];
+};
+
+static RuleIndex makeRuleIndex()
+{
+    RuleIndex index = {};
+    for (int r = 0; r < SoundRuleCount; r++) {
+        const char *m = SoundRules[r].meant;
+        index.byLast[(unsigned char)m[m[1] ? 1 : 0]] |= 1u << r;
+    }
+    return index;
+}
+
+static const RuleIndex Rules = makeRuleIndex();
 
 static i32 substitutionCost(unsigned char w, unsigned char c, unsigned char fw, unsigned char fc)
 {
@@ -167,7 +183,8 @@ i32 rankErrorCost(const RankWord *word, const char *candidate, i32 limit)
                 v = d[i - 2][j - 2] + 60;
                 best = v < best ? v : best;
             }
-            for (const SoundRule &r : SoundRules) {
+            for (u32 bits = Rules.byLast[fc[j - 1]]; bits; bits &= bits - 1) {
+                const SoundRule &r = SoundRules[__builtin_ctz(bits)];
                 i32 lt = r.typed[1] ? 2 : 1, lm = r.meant[1] ? 2 : 1;
                 if (i >= lt && j >= lm && fw[i - 1] == (unsigned char)r.typed[lt - 1] &&
                     fc[j - 1] == (unsigned char)r.meant[lm - 1] &&

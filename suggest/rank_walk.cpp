@@ -42,11 +42,15 @@ static void trailInit(EditTrail *trail, const RankWord *word)
 }
 
 /* The plain edit distance (with swaps of neighbours) from the word to
- * `candidate`, or maxEdits + 1 once it must be more. */
+ * `candidate`, or maxEdits + 1 once it must be more.  Only the band of
+ * cells within maxEdits of the diagonal can stay within reach; each row
+ * keeps a cell of maxEdits + 1 at either side of its band for the reads of
+ * the next. */
 static i32 plainEdits(const RankWord *word, const char *candidate, i32 length, EditTrail *trail)
 {
     const i32 k = word->maxEdits, n = word->length;
     const unsigned char *fw = word->fold;
+    const unsigned char out = (unsigned char)(k + 1);
     i32 shared = 0;
     while (shared < length && shared + 1 < trail->rows &&
            trail->fold[shared] == rankFold((unsigned char)candidate[shared]))
@@ -58,9 +62,17 @@ static i32 plainEdits(const RankWord *word, const char *candidate, i32 length, E
         unsigned char fc = rankFold((unsigned char)candidate[j - 1]);
         trail->fold[j - 1] = fc;
         unsigned char *row = trail->row[j], *up = trail->row[j - 1];
-        row[0] = (unsigned char)j;
-        i32 rowMin = j;
-        for (i32 i = 1; i <= n; i++) {
+        i32 lo = j - k > 1 ? j - k : 1, hi = j + k < n ? j + k : n;
+        i32 rowMin = k + 1;
+        if (j - k <= 0) {
+            row[0] = (unsigned char)j;
+            rowMin = j;
+        } else {
+            row[lo - 1] = out;
+        }
+        if (hi < n)
+            row[hi + 1] = out;
+        for (i32 i = lo; i <= hi; i++) {
             i32 v = up[i - 1] + (fw[i - 1] != fc);
             i32 a = up[i] + 1, b = row[i - 1] + 1;
             v = a < v ? a : v;
@@ -68,6 +80,7 @@ static i32 plainEdits(const RankWord *word, const char *candidate, i32 length, E
             if (i > 1 && j > 1 && fw[i - 1] == trail->fold[j - 2] && fw[i - 2] == fc &&
                 trail->row[j - 2][i - 2] + 1 < v)
                 v = trail->row[j - 2][i - 2] + 1;
+            v = v > k ? k + 1 : v;
             row[i] = (unsigned char)v;
             rowMin = v < rowMin ? v : rowMin;
         }
@@ -95,9 +108,12 @@ static void offerWord(const RankWord *word, const char *candidate, i32 frequency
     rankOffer(pool, candidate, cost + extra, rankScore(word, cost + extra, same));
 }
 
-static int popCount(u32 x)
+/* Bits set in x (the processor's own count isn't assumed). */
+static inline int popCount(u32 x)
 {
-    return __builtin_popcount(x);
+    x = x - ((x >> 1) & 0x55555555u);
+    x = (x & 0x33333333u) + ((x >> 2) & 0x33333333u);
+    return (int)((((x + (x >> 4)) & 0x0F0F0F0Fu) * 0x01010101u) >> 24);
 }
 
 /* Length and letters leave room for the edits. */
@@ -156,7 +172,10 @@ static bool keyMayHold(const RankWord *word, const char *key)
     unsigned char k2 = rankFold((unsigned char)key[2]);
     const unsigned char folded[3] = {k0, k1, k2};
     const unsigned char *w = word->fold; /* NUL-padded to WordSize */
-    if (k0 != w[0] && k0 != w[1] && k1 != w[0] && k1 != w[1] && !strchr("cgjkpsrwx", k0))
+    /* the first letters that another spelling of a first sound begins with */
+    const bool soundFirst = k0 == 'c' || k0 == 'g' || k0 == 'j' || k0 == 'k' || k0 == 'p' ||
+                            k0 == 's' || k0 == 'r' || k0 == 'w' || k0 == 'x';
+    if (k0 != w[0] && k0 != w[1] && k1 != w[0] && k1 != w[1] && !soundFirst)
         return false; /* the common case, in a glance */
     return k0 == w[0] ||                  /* the same first letter */
            (k0 == w[1] && k1 == w[2]) ||  /* the word has a letter too many at its start */

@@ -20,6 +20,8 @@
 
 #include <string.h>
 
+#include <algorithm>
+
 #include "engine/charclass.h"
 #include "engine/string_helpers.h"
 #include "lexicon/clex.h"
@@ -189,8 +191,11 @@ static i16 walkSegment(const RankWord *word, CLex *clex, u32 index,
                        const RankFrequencies *frequencies, EditTrail *trail, RankPool *pool)
 {
     const CLexSummary *summary = &clex->summaries[index];
+    /* a segment decoded before is weighed by its lengths and letters, and
+     * not even loaded when no word of it can do */
     if (summary->maxLength && (summary->maxLength + word->maxEdits < word->length ||
-                               summary->minLength > word->length + word->maxEdits))
+                               summary->minLength > word->length + word->maxEdits ||
+                               popCount(word->letters & ~summary->letters) > word->maxEdits))
         return 0;
     CLexSegment *segment = clex->segments[index];
     i16 rc = loadSeg(clex, segment);
@@ -225,26 +230,64 @@ static i16 walkSegment(const RankWord *word, CLex *clex, u32 index,
     return 0;
 }
 
+/* One key of the directory that may hold candidates: a key of one or two
+ * characters is a word of its own, any other a segment to walk. */
+static i16 visitKey(const RankWord *word, CLex *clex, u32 index, const RankFrequencies *frequencies,
+                    EditTrail *trail, RankPool *pool)
+{
+    u32 value = clex->keyValues[index];
+    char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
+    if (key[2] != 0)
+        return keyMayHold(word, key) ? walkSegment(word, clex, index, frequencies, trail, pool) : 0;
+    i32 length = (i32)StrLen(key);
+    u32 letters = CLex_LetterBit(baseLetter[(unsigned char)key[0]]) |
+                  (length > 1 ? CLex_LetterBit(baseLetter[(unsigned char)key[1]]) : 0);
+    if (mayReach(word, length, letters)) {
+        trailInit(trail, word);
+        weighCandidate(word, key, length, frequencies, trail, pool);
+    }
+    return 0;
+}
+
+/* Some spelling of the word's first sound begins with `first`. */
+static bool soundBeginsWith(unsigned char wordFirst, unsigned char first)
+{
+    for (const FirstSound &s : FirstSounds)
+        if ((unsigned char)s.typed == wordFirst && (unsigned char)s.meant[0] == first)
+            return true;
+    return false;
+}
+
+/* The keys are walked by their first byte.  Where it is the word's first
+ * or second letter, or begins another spelling of its first sound, every
+ * key is put to keyMayHold; elsewhere only a word that lost or changed its
+ * first letter can stand, and only under the two keys that go on with the
+ * word's first two letters or its second and third, found by search. */
 i16 rankWalkCLex(const RankWord *word, CLex *clex, const RankFrequencies *frequencies,
                  RankPool *pool)
 {
     EditTrail trail;
-    for (u32 index = 0; index < clex->segmentCount; index++) {
-        u32 value = clex->keyValues[index];
-        char key[4] = {(char)(value >> 16), (char)(value >> 8), (char)value, 0};
-        if (key[2] == 0) {
-            /* a key of one or two characters is a word of its own */
-            i32 length = (i32)StrLen(key);
-            u32 letters = CLex_LetterBit(baseLetter[(unsigned char)key[0]]) |
-                          (length > 1 ? CLex_LetterBit(baseLetter[(unsigned char)key[1]]) : 0);
-            if (mayReach(word, length, letters)) {
-                trailInit(&trail, word);
-                weighCandidate(word, key, length, frequencies, &trail, pool);
-            }
+    const unsigned char *w = word->fold;
+    const u32 *keys = clex->keyValues;
+    for (u32 b = 0; b < 256; b++) {
+        u32 from = clex->firstSegment[b], to = clex->firstSegment[b + 1];
+        if (from == to)
+            continue;
+        unsigned char first = rankFold((unsigned char)b);
+        if (first == w[0] || first == w[1] || soundBeginsWith(w[0], first)) {
+            for (u32 index = from; index < to; index++)
+                RETURN_IF_NEG(visitKey(word, clex, index, frequencies, &trail, pool));
             continue;
         }
-        if (keyMayHold(word, key))
-            RETURN_IF_NEG(walkSegment(word, clex, index, frequencies, &trail, pool));
+        u32 lost = b << 16 | (u32)w[0] << 8 | w[1], changed = b << 16 | (u32)w[1] << 8 | w[2];
+        u32 sought[2] = {lost < changed ? lost : changed, lost < changed ? changed : lost};
+        for (int s = 0; s < 2; s++) {
+            if (s == 1 && sought[1] == sought[0])
+                break;
+            const u32 *at = std::lower_bound(keys + from, keys + to, sought[s]);
+            if (at != keys + to && *at == sought[s])
+                RETURN_IF_NEG(visitKey(word, clex, (u32)(at - keys), frequencies, &trail, pool));
+        }
     }
     return 0;
 }

@@ -83,7 +83,7 @@ static bool halfIsWord(Session *session, const char *half)
 
 /* The word cut in two where both halves are words.  Run-together words
  * are seldom what a misspelling means, unless both halves are common: a
- * split costs a plain edit, and each half costs twice its rarity; a half of
+ * split costs more than a plain edit, and each half twice its rarity; a half of
  * one or two letters, which nearly any cut makes a word of, costs 80 more
  * unless it is one of the short words that run into others. */
 static void offerSplits(Session *session, const RankWord *word,
@@ -98,7 +98,7 @@ static void offerSplits(Session *session, const RankWord *word,
     for (i32 cut = 1; cut < word->length && word->length < WordSize - 1; cut++) {
         StrCopyN(halves[0], WordSize, word->text, (u16)cut);
         StrCopy(halves[1], WordSize, word->text + cut);
-        i32 cost = 100;
+        i32 cost = 120;
         for (const char *half : halves) {
             cost += 2 * rankFrequencyCost(frequencies ? RankFreq_Class(frequencies, half) : -1);
             if (StrLen(half) > 2)

@@ -135,6 +135,33 @@ TEST(RankedSuggest, FrequenciesDecideAndDamagedFilesAreRefused)
     EXPECT_EQ(ranked(s.sid, "carx").text(), "card 68, cart 68");
 }
 
+TEST(RankedSuggest, CompressedLexiconIsWalkedWhereTheWordMayBegin)
+{
+    TempDir dir;
+    SessionHolder s;
+    ASSERT_GE(openCompressed(s.sid, dir, "Thebes\r\ncharisma\r\nincludes\r\nphoto\r\nthe\r\nwith\r\nworld\r\n"), 0);
+    struct Case {
+        const char *word;
+        int16_t depth;
+        const char *first; /* the first candidate, "" for none */
+    } cases[] = {
+        {"ncludes", 50, "includes"},  /* the first letter lost */
+        {"tthe", 50, "the"},          /* one too many at the start */
+        {"hte", 50, "the"},           /* the first two swapped */
+        {"rith", 50, "with"},         /* the first letter changed */
+        {"foto", 50, "photo"},        /* the first sound spelled another way */
+        {"karisma", 50, "charisma"},
+        {"wrdl", 50, "world"},        /* two edits for a word of four */
+        {"wrdl", 10, ""},             /* one at a low depth */
+        {"thebes", 50, "Thebes"},     /* a capital the word lacks */
+    };
+    for (const Case &c : cases) {
+        SuggestResult r = ranked(s.sid, c.word, 10, c.depth);
+        ASSERT_EQ(r.rc, 0) << c.word;
+        EXPECT_EQ(r.words.empty() ? "" : r.words[0], c.first) << c.word << " at " << c.depth;
+    }
+}
+
 TEST(RankedSuggest, LeavesORTO_SuggestAsItWas)
 {
     std::string lexicon = bundled("en-US.clx");

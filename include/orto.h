@@ -458,6 +458,52 @@ ORTO_API void ORTO_CompressLexAbort(int16_t sid);
 ORTO_API int16_t ORTO_Suggest(int16_t sid, const char *word, int16_t depth, char *suggestions,
                               int32_t suggestionsSize, int16_t *scores, int16_t maxSuggestions);
 
+/* The second ranking: the candidates people mean first.  A call of its own,
+ * so that ORTO_Suggest keeps its order for every host that relies on it.
+ * Arguments, output, case carry-over, the possessive ending and the result
+ * codes are those of ORTO_Suggest (logged as ORTO_SuggestRanked); what
+ * differs is which candidates come and in what order:
+ *   - candidates are the words of every lexicon within a few plain edits
+ *     of the word (a letter put in, left out, changed, or two neighbours
+ *     swapped: one edit for words of up to three characters, two up to
+ *     seven, three beyond; one fewer at `depth` below 25, one more at 75
+ *     or above), whatever the options ORTO_TypographicalSuggestions and
+ *     ORTO_PhoneticSuggestions say, and the word split in two where both
+ *     halves are words, whatever ORTO_SuggestSplitWords says;
+ *   - their order comes from an error model that knows what people get
+ *     wrong (a letter doubled or left single, neighbours swapped, a vowel
+ *     for a vowel, letters that sound alike, keys side by side) and from
+ *     how common each word is: the frequencies that ORTO_SetLexFrequencies
+ *     gave its compressed lexicon.  Words of a text lexicon count as
+ *     common; a compressed lexicon without frequencies ranks by the error
+ *     model alone.  An a/A/c/C entry of a text lexicon for exactly this
+ *     word offers its other word first, with score 99;
+ *   - scores (0..100) mean what they mean for ORTO_Suggest: 100 is the word
+ *     itself, and the lower the score the more of the word a candidate
+ *     changes; no candidate scores below 40, so that a word with nothing
+ *     close (such as "qzxqzxqzx") gets the empty list.  Equal scores stand
+ *     in the order of the error model.
+ * `depth` only sets the edits as above; text lexicons are searched whole.
+ * Nothing is kept from one call to the next but the segments that the
+ * walk brings into a compressed lexicon's cache. */
+ORTO_API int16_t ORTO_SuggestRanked(int16_t sid, const char *word, int16_t depth,
+                                    char *suggestions, int32_t suggestionsSize,
+                                    int16_t *scores, int16_t maxSuggestions);
+
+/* Gives lexicon `lex` the word frequencies of the file `fileName`, for
+ * ORTO_SuggestRanked, in place of any it had; a null or empty `fileName`
+ * takes them away.  The file is text in the lexicon's code page, LF or
+ * CR LF lines: a line "=N" (N from 0, the most common words, to 15) sets
+ * the class of the words on the lines after it, one word a line; '#'
+ * lines and empty lines are skipped.  A word the file doesn't name is of
+ * the class after the highest in the file.  The file is read whole and
+ * closed; the table takes 4 bytes a word, freed with the lexicon.  Returns
+ * 0, ORTO_FileOpenError (the file can't be read), ORTO_BadFormat (a word
+ * before the first "=N" line, a class out of range, a word of 64 bytes or
+ * more, or a file of 64 MB or more; the lexicon then keeps what it had),
+ * ORTO_OutOfMemory, ORTO_BadSessionId or ORTO_BadLexId. */
+ORTO_API int16_t ORTO_SetLexFrequencies(int16_t sid, int16_t lex, const char *fileName);
+
 /* @@SUGGEST_CALLS@@ */
 
 /* ======================================================================

@@ -73,6 +73,7 @@ extern "C" int16_t ORTO_CloseLex(int16_t sid, int16_t lex)
         TLex_Close(&l->tlex);
     else if (l->format == LexCompressed)
         CLex_CloseBody(l);
+    free(l->frequencies);
     DebugLog("ORTO_CloseLex: %hd closed", lex);
     free(l);
     s->lexSlots[lex] = nullptr;

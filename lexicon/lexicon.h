@@ -13,6 +13,7 @@
 #include "engine/types.h"
 
 struct CLex;
+struct RankFrequencies;
 
 enum LexFormat : u16 {
     LexCompressed = 0,
@@ -51,6 +52,7 @@ struct Lexicon {
     u16 language; /* as ORTO_GetLexInfo reports it */
     TLex tlex;    /* body of a LexText lexicon */
     CLex *clex;   /* body of a LexCompressed lexicon */
+    RankFrequencies *frequencies; /* word frequencies for ORTO_SuggestRanked, one allocation, or null */
 };
 
 /* The words a lexicon entry never holds more of. */

@@ -140,6 +140,12 @@ i16 walkCLex(i16 depth, const char *word, Measure measure, SuggestionList *list,
 i16 suggestFromLex(Session *session, Lexicon *lexicon, const char *word, i16 depth,
                    SuggestionList *list);
 i16 gatherSuggestions(Session *session, const char *word, i16 depth, SuggestionList *list);
+/* The list into the caller's buffers, best first, each entry with the case
+ * of `word` carried over and left out when it then equals the one before;
+ * ORTO_BufferTooSmall, logged under `call`, when a string and the closing
+ * empty string don't both fit. */
+i16 writeSuggestions(SuggestionList *list, const char *word, char *suggestions,
+                     i32 suggestionsSize, int16_t *scores, const char *call);
 /* The same run with the measures given: the driver passes typoScore and
  * phoneticScore; a test passes stand-ins to run the unbounded path. */
 i16 gatherSuggestionsWith(Session *session, const char *word, i16 depth, SuggestionList *list,

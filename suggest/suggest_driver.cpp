@@ -103,10 +103,8 @@ i16 gatherSuggestions(Session *session, const char *word, i16 depth, SuggestionL
     return gatherSuggestionsWith(session, word, depth, list, typoScore, phoneticScore);
 }
 
-/* The list into the caller's buffers, best first; ORTO_BufferTooSmall when
- * a string and the closing empty string don't both fit. */
-static i16 writeSuggestions(SuggestionList *list, const char *word, char *suggestions,
-                            i32 suggestionsSize, int16_t *scores)
+i16 writeSuggestions(SuggestionList *list, const char *word, char *suggestions,
+                     i32 suggestionsSize, int16_t *scores, const char *call)
 {
     i32 written = 0;
     i16 n = 0;
@@ -121,7 +119,7 @@ static i16 writeSuggestions(SuggestionList *list, const char *word, char *sugges
         i32 length = StrLen(entry->word);
         i32 total = written + length + 1;
         if (total >= suggestionsSize) {
-            DebugLog("ORTO_Suggest: buffer too small");
+            DebugLog("%s: buffer too small", call);
             return ORTO_BufferTooSmall;
         }
         memcpy(suggestions + written, entry->word, (size_t)length + 1);
@@ -160,7 +158,7 @@ extern "C" int16_t ORTO_Suggest(int16_t sid, const char *word, int16_t depth, ch
     list.capacity = (u16)maxSuggestions;
     i16 rc = gatherSuggestions(session, stripped, depth, &list);
     if (rc >= 0)
-        rc = writeSuggestions(&list, word, suggestions, suggestionsSize, scores);
+        rc = writeSuggestions(&list, word, suggestions, suggestionsSize, scores, "ORTO_Suggest");
     free(list.entries);
     return rc;
 }

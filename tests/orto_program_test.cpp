@@ -439,29 +439,37 @@ TEST_F(ProgramTest, SuggestTellsFindingsAndRanksSuggestions)
                      "Teh: auto-change to The\n"
                      "colour: consider changing to color\n"
                      "Łódź: not checked: it has characters that Windows Latin-1 lacks\n");
-    r = run({"suggest", "-d", lex, "--option", "TypographicalSuggestions=0", "wrold"}, "", dir.path);
+    r = run({"suggest", "-d", lex, "--exact", "--option", "TypographicalSuggestions=0", "wrold"}, "",
+            dir.path);
     EXPECT_EQ(r.out, "wrold: misspelled\n  (no suggestions)\n");
 
-    // the ranked list is the engine's, with its scores, best first; a
-    // possessive ending goes back onto every candidate
-    int16_t sid = ORTO_OpenSession();
-    ASSERT_GE(ORTO_OpenLex(sid, lex.c_str(), 0), 0);
-    char buffer[1024];
-    int16_t scores[3];
-    ASSERT_EQ(ORTO_Suggest(sid, "wrold", 50, buffer, sizeof buffer, scores, 3), 0);
-    ORTO_CloseSession(sid);
-    std::string expected = "wrold: misspelled\n", possessive = "wrold's: misspelled\n";
-    int i = 0;
-    for (const char *p = buffer; *p; p += strlen(p) + 1, i++) {
-        std::string score = std::to_string(scores[i]);
-        score.insert(0, 3 - score.size(), ' ');
-        expected += "  " + score + " " + p + "\n";
-        possessive += "  " + score + " " + p + "'s\n";
+    // the list is the engine's, with its scores, best first: ORTO_SuggestRanked's
+    // by default, ORTO_Suggest's with --exact; a possessive ending goes back
+    // onto every candidate
+    for (bool exact : {false, true}) {
+        int16_t sid = ORTO_OpenSession();
+        ASSERT_GE(ORTO_OpenLex(sid, lex.c_str(), 0), 0);
+        char buffer[1024];
+        int16_t scores[3];
+        ASSERT_EQ((exact ? ORTO_Suggest : ORTO_SuggestRanked)(sid, "wrold", 50, buffer, sizeof buffer,
+                                                            scores, 3), 0);
+        ORTO_CloseSession(sid);
+        std::string expected = "wrold: misspelled\n", possessive = "wrold's: misspelled\n";
+        int i = 0;
+        for (const char *p = buffer; *p; p += strlen(p) + 1, i++) {
+            std::string score = std::to_string(scores[i]);
+            score.insert(0, 3 - score.size(), ' ');
+            expected += "  " + score + " " + p + "\n";
+            possessive += "  " + score + " " + p + "'s\n";
+        }
+        ASSERT_GT(i, exact ? 1 : 0);
+        EXPECT_NE(expected.find("world"), std::string::npos);
+        std::vector<std::string> args = {"suggest", "-d", lex, "--max", "3", "wrold", "wrold's"};
+        if (exact)
+            args.push_back("--exact");
+        r = run(args, "", dir.path);
+        EXPECT_EQ(r.out, expected + possessive) << (exact ? "--exact" : "ranked");
     }
-    ASSERT_GT(i, 0);
-    EXPECT_NE(expected.find("world"), std::string::npos);
-    r = run({"suggest", "-d", lex, "--max", "3", "wrold", "wrold's"}, "", dir.path);
-    EXPECT_EQ(r.out, expected + possessive);
 
     r = run({"suggest", "-d", lex}, "", dir.path);
     EXPECT_EQ(r.status, 2);
@@ -542,6 +550,38 @@ TEST_F(ProgramTest, PipeWithTheBundledLexicon)
     EXPECT_EQ(r.out, "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n*\n*\n*\n*\n\n");
     r = run({"list", "-d", "en_gb"}, "colour color\n", dir.path);
     EXPECT_EQ(r.out, "color\n");
+}
+
+TEST_F(ProgramTest, RankedDefaultsDigitsAndFrequenciesBesideALexicon)
+{
+    // words with digits pass unless the option is turned back off
+    Outcome r = run({"list", "-d", lex}, "the 1st dog\n", dir.path);
+    EXPECT_EQ(r.out, "");
+    r = run({"list", "-d", lex, "--option", "IgnoreMixedDigits=0"}, "the 1st dog\n", dir.path);
+    EXPECT_EQ(r.out, "1st\n");
+
+    // nothing close: the pipe's '#' line, in either order
+    for (const char *mode : {"--max=10", "--exact"}) {
+        r = run({"-a", "-d", lex, mode}, "^qzxqzxqzx\n", dir.path);
+        EXPECT_EQ(r.out, "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n"
+                         "# qzxqzxqzx 1\n\n")
+            << mode;
+    }
+
+    // frequencies beside a compressed lexicon decide between candidates
+    // that are equally close; a damaged file is named and passed over
+    writeFile(dir.file("words.txt"), "card\ncart\n");
+    ASSERT_EQ(run({"compress", "-o", "cc.clx", "words.txt"}, "", dir.path).status, 0);
+    for (const char *common : {"card", "cart"}) {
+        writeFile(dir.file("cc.freq"), std::string("=0\n") + common + "\n");
+        r = run({"suggest", "-d", "cc.clx", "carx"}, "", dir.path);
+        EXPECT_EQ(r.out.substr(0, r.out.find('\n', r.out.find('\n') + 1)),
+                  std::string("carx: misspelled\n   ") + (strcmp(common, "card") ? "75 cart" : "75 card"));
+    }
+    writeFile(dir.file("cc.freq"), "card\n");
+    r = run({"suggest", "-d", "cc.clx", "carx"}, "", dir.path);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.err, "orto: word frequencies cc.freq not used: damaged lexicon (bad format)\n");
 }
 
 TEST_F(ProgramTest, CompressMakesLexiconsAndNamesBadLines)

@@ -98,6 +98,7 @@ static bool parsePipeOptions(int argc, char **argv, int first, CheckOptions *opt
         bool known = arg[0] == '-' && strcmp(arg, "-") != 0 &&
                      (strncmp(arg, "-d", 2) == 0 || strncmp(arg, "-p", 2) == 0 ||
                       strncmp(arg, "-i", 2) == 0 || strcmp(arg, "--help") == 0 ||
+                      strcmp(arg, "--exact") == 0 ||
                       strcmp(arg, "-h") == 0 || strncmp(arg, "--lexicon", 9) == 0 ||
                       strncmp(arg, "--personal", 10) == 0 || strncmp(arg, "--encoding", 10) == 0 ||
                       strncmp(arg, "--option", 8) == 0 || strncmp(arg, "--depth", 7) == 0 ||
@@ -151,7 +152,8 @@ static void candidatesFor(int16_t sid, const WalkWord &w, const CheckOptions &op
     if (!(w.mask & ORTO_MisspelledWord))
         return;
     std::vector<Suggestion> list;
-    if (suggestWord(sid, w.word, options.depth, options.maxSuggestions, &list) < 0)
+    if (suggestWord(sid, w.word, options.depth, options.maxSuggestions, &list,
+                    options.exact ? SuggestExact : SuggestRanked) < 0)
         return; /* an editor is better served by no suggestions than by no answer */
     keepLikelySuggestions(&list);
     for (const Suggestion &s : list) {

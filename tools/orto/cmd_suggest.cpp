@@ -98,7 +98,8 @@ int runSuggest(int argc, char **argv, int first)
         if (!(mask & ORTO_MisspelledWord))
             continue;
         std::vector<Suggestion> list;
-        int16_t rc = suggestWord(set.sid, word, options.depth, options.maxSuggestions, &list);
+        int16_t rc = suggestWord(set.sid, word, options.depth, options.maxSuggestions, &list,
+                                 options.exact ? SuggestExact : SuggestRanked);
         if (rc < 0) {
             printError("suggestions for '%s' failed: %s", arg.c_str(), resultText(rc));
             status = ExitFailure;

@@ -233,6 +233,25 @@ static int16_t loadUnixLexicon(int16_t sid, const std::string &path, bool utf8)
     return lex;
 }
 
+/* The word frequencies of a compressed lexicon stand beside it, with the
+ * extension .freq for .clx ("en-US.freq" beside "en-US.clx").  Without
+ * them the lexicon still ranks, by the error model alone; a damaged file
+ * is reported and passed over. */
+static void openFrequencies(int16_t sid, int16_t lex, const std::string &path)
+{
+    size_t dot = path.rfind('.');
+    size_t slash = path.rfind('/');
+    std::string base = dot != std::string::npos && (slash == std::string::npos || dot > slash)
+                           ? path.substr(0, dot)
+                           : path;
+    std::string frequencies = base + ".freq";
+    if (!isFile(frequencies))
+        return;
+    int16_t rc = ORTO_SetLexFrequencies(sid, lex, frequencies.c_str());
+    if (rc < 0)
+        printError("word frequencies %s not used: %s", frequencies.c_str(), resultText(rc));
+}
+
 int16_t openLexiconFile(int16_t sid, const std::string &path)
 {
     bool utf8;
@@ -264,6 +283,8 @@ int16_t openLexiconFile(int16_t sid, const std::string &path)
         ORTO_CloseLex(sid, lex);
         return ORTO_BadFormat;
     }
+    if (format == ORTO_LexCompressed)
+        openFrequencies(sid, lex, path);
     return lex;
 }
 

@@ -62,6 +62,7 @@ int openLexicons(const CheckOptions &options, bool wantRunLexicon, LexiconSet *s
         printError("cannot open a session: %s", resultText(set->sid));
         return ExitFailure;
     }
+    ORTO_SetOption(set->sid, ORTO_IgnoreMixedDigits, 1);
     for (const OptionSetting &s : options.settings)
         ORTO_SetOption(set->sid, s.bit, (uint32_t)s.on);
 

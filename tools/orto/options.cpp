@@ -69,6 +69,7 @@ void initCheckOptions(CheckOptions *options)
     options->settings.clear();
     options->depth = 50; /* the dialogs' default search depth */
     options->maxSuggestions = 10;
+    options->exact = false;
     options->encoding = EncodingUtf8;
     options->operands.clear();
     options->help = false;
@@ -227,6 +228,8 @@ bool parseCheckOptions(int argc, char **argv, int first, const char *command,
             if (!(value = optionValue(argc, argv, &i, arg, 8)) || !parseOptionSetting(value, &setting))
                 return false;
             options->settings.push_back(setting);
+        } else if (strcmp(arg, "--exact") == 0) {
+            options->exact = true;
         } else if (isOption(arg, "--depth")) {
             if (!(value = optionValue(argc, argv, &i, arg, 7)) ||
                 !parseNumber(value, 0, 100, "--depth", &options->depth))
@@ -255,10 +258,14 @@ void printCheckOptionsHelp(FILE *out)
           "                  turn an option of the engine on or off; repeatable\n"
           "  --depth N       how far suggestions search, 0 to 100 (default 50)\n"
           "  --max N         most suggestions for a word, 1 to 100 (default 10)\n"
+          "  --exact         rank suggestions by the engine's typographical and\n"
+          "                  phonetic measures (ORTO_Suggest), not by the error\n"
+          "                  model and word frequencies (ORTO_SuggestRanked)\n"
           "  --help          show this help\n"
           "\n"
-          "Option names (default in brackets):\n",
+          "Option names (default in brackets; the program turns IgnoreMixedDigits\n"
+          "on, where the engine has it off, so that 1st and 3.14 pass):\n",
           out);
     for (const OptionName &o : OptionNames)
-        fprintf(out, "  %-26s[%d]\n", o.name, (ORTO_DefaultOptions & o.bit) ? 1 : 0);
+        fprintf(out, "  %-26s[%d]\n", o.name, (ProgramDefaultOptions & o.bit) ? 1 : 0);
 }

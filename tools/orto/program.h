@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+#include "orto.h"
+
 enum {
     ExitOk = 0,
     ExitFailure = 1,
@@ -69,12 +71,17 @@ struct OptionSetting {
     int on;         /* 1 to set, 0 to clear */
 };
 
+/* The options the program's sessions start with: the engine's, and words
+ * with digits (1st, 3.14) pass unchecked, as other checkers let them. */
+const uint32_t ProgramDefaultOptions = ORTO_DefaultOptions | ORTO_IgnoreMixedDigits;
+
 struct CheckOptions {
     std::vector<std::string> lexicons;      /* -d, in the order given */
     std::string personalPath;               /* -p; empty for the default */
     std::vector<OptionSetting> settings;    /* --option, in the order given */
     int depth;                              /* --depth, 0..100 */
     int maxSuggestions;                     /* --max, 1..100 */
+    bool exact;                             /* --exact: ORTO_Suggest's order */
     TextEncoding encoding;                  /* -i */
     std::vector<std::string> operands;      /* what isn't an option */
     bool help;                              /* --help was given */

@@ -2,7 +2,7 @@
  * suggestions.cpp -- ranked suggestions for one word, as the commands show
  * them.
  *
- * ORTO_Suggest looks a word up without its possessive ending and hands the
+ * ORTO_SuggestRanked (the default) or ORTO_Suggest (--exact) looks a word up without its possessive ending and hands the
  * candidates back without it.  An editor replaces the whole word it sent,
  * so the ending the user wrote ('s, s') goes back onto every candidate;
  * "dgo's" offers "dog's".
@@ -30,12 +30,12 @@ static std::string possessiveEnding(int16_t sid, const std::string &word)
 }
 
 int16_t suggestWord(int16_t sid, const std::string &word, int depth, int maxSuggestions,
-                    std::vector<Suggestion> *out)
+                    std::vector<Suggestion> *out, SuggestOrder order)
 {
     out->clear();
     std::vector<char> buffer((size_t)maxSuggestions * 64 + 1);
     std::vector<int16_t> scores((size_t)maxSuggestions);
-    int16_t rc = ORTO_Suggest(sid, word.c_str(), (int16_t)depth, buffer.data(), (int32_t)buffer.size(),
+    int16_t rc = (order == SuggestExact ? ORTO_Suggest : ORTO_SuggestRanked)(sid, word.c_str(), (int16_t)depth, buffer.data(), (int32_t)buffer.size(),
                               scores.data(), (int16_t)maxSuggestions);
     if (rc < 0)
         return rc;

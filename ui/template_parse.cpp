@@ -514,11 +514,11 @@ int parseTemplates(const char *script, std::vector<DialogTemplate> *out, char *e
     return ps.failed ? -1 : 0;
 }
 
-/* Halves go away from zero: 2 units are one column, 6 are two. */
+/* To the nearest cell, halves down: 2 units are no column, 6 are one. */
 static int32_t scaleUnits(int32_t units, int32_t per, int isSize)
 {
     int64_t u = units;
-    int32_t cells = (int32_t)(u >= 0 ? (2 * u + per) / (2 * per) : -((-2 * u + per) / (2 * per)));
+    int32_t cells = (int32_t)(u >= 0 ? (2 * u + per - 1) / (2 * per) : -((-2 * u + per) / (2 * per)));
     if (isSize && units > 0 && cells < 1)
         cells = 1;
     return cells;

@@ -409,6 +409,15 @@ static void parseControl(Parser *ps, DialogTemplate *dialog)
     dialog->controls.push_back(c);
 }
 
+/* LANGUAGE primary, sub: read and passed over. */
+static void skipLanguage(Parser *ps)
+{
+    nextToken(ps);
+    parseNumber(ps);
+    expectComma(ps);
+    parseNumber(ps);
+}
+
 static void parseDialog(Parser *ps, std::vector<DialogTemplate> *out)
 {
     DialogTemplate d{};
@@ -460,10 +469,7 @@ static void parseDialog(Parser *ps, std::vector<DialogTemplate> *out)
                 parseNumber(ps);
             }
         } else if (isName(ps, "LANGUAGE")) {
-            nextToken(ps);
-            parseNumber(ps);
-            expectComma(ps);
-            parseNumber(ps);
+            skipLanguage(ps);
         } else if (isName(ps, "MENU") || isName(ps, "CLASS")) {
             nextToken(ps);
             nextToken(ps);
@@ -501,10 +507,7 @@ int parseTemplates(const char *script, std::vector<DialogTemplate> *out, char *e
     nextToken(&ps);
     while (!ps.failed && ps.token.kind != TokEnd) {
         if (isName(&ps, "LANGUAGE")) {
-            nextToken(&ps);
-            parseNumber(&ps);
-            expectComma(&ps);
-            parseNumber(&ps);
+            skipLanguage(&ps);
         } else if (ps.token.kind == TokName || ps.token.kind == TokNumber || ps.token.kind == TokString) {
             parseDialog(&ps, out);
         } else {

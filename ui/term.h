@@ -65,6 +65,7 @@ bool takesFocus(Window *w);
 bool editsText(Window *w);
 
 /* Drawing. */
+void frame(int top, int left, int height, int width);
 void drawScreen(HWND top);
 void drawWaitNotice(void);
 

@@ -54,14 +54,7 @@ static RECT box(const std::string &title, int width, int height)
     attrset(COLOR_PAIR(PairDialog));
     for (int y = top; y < top + height; y++)
         mvhline(y, left, ' ', width);
-    mvhline(top, left + 1, ACS_HLINE, width - 2);
-    mvhline(top + height - 1, left + 1, ACS_HLINE, width - 2);
-    mvvline(top + 1, left, ACS_VLINE, height - 2);
-    mvvline(top + 1, left + width - 1, ACS_VLINE, height - 2);
-    mvaddch(top, left, ACS_ULCORNER);
-    mvaddch(top, left + width - 1, ACS_URCORNER);
-    mvaddch(top + height - 1, left, ACS_LLCORNER);
-    mvaddch(top + height - 1, left + width - 1, ACS_LRCORNER);
+    frame(top, left, height, width);
     if (!title.empty()) {
         attron(A_BOLD);
         std::string t = " " + title + " ";

@@ -55,7 +55,7 @@ static void fill(int top, int left, int height, int width)
                     mvaddch(y, x, ' ');
 }
 
-static void frame(int top, int left, int height, int width)
+void frame(int top, int left, int height, int width)
 {
     if (height < 2 || width < 2)
         return;

@@ -179,6 +179,7 @@ struct Server {
     Json initOptions;            /* initializationOptions */
     Json configuration;          /* the settings of didChangeConfiguration, merged */
     ServerSettings settings;
+    std::vector<std::string> warnings; /* about the settings in force, shown once */
     bool haveLexicons;
     LexiconSet lexicons;
     std::string root;            /* the workspace folder; empty when none */

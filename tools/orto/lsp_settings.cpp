@@ -19,6 +19,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
+
 #include "lsp.h"
 #include "orto.h"
 
@@ -284,8 +286,11 @@ bool applySettings(Server *s)
     s->projectPath = projectPath;
     if (reopen)
         openServerLexicons(s, &warnings);
+    /* every layer is read again each time: what was said stays unsaid */
     for (const std::string &w : warnings)
-        showMessage(&s->io, MessageWarning, w);
+        if (std::find(s->warnings.begin(), s->warnings.end(), w) == s->warnings.end())
+            showMessage(&s->io, MessageWarning, w);
+    s->warnings = warnings;
     return changed;
 }
 

@@ -199,9 +199,12 @@ static bool inputReady(Transport *t)
 
 void pumpInput(Transport *t)
 {
-    while (!t->eof && inputReady(t) && readInput(t))
+    for (;;) {
         while (cutMessage(t)) {
         }
+        if (t->eof || !inputReady(t) || !readInput(t))
+            return;
+    }
 }
 
 bool nextMessage(Transport *t, Incoming *m, bool wait)

@@ -207,27 +207,6 @@ TEST(LspServer, IncrementalChangesAgreeWithAFreshOpen)
     EXPECT_EQ(s.stop(), 0);
 }
 
-// The suggestions of `orto -a --max 5` for `word`, as the pipe prints them.
-std::vector<std::string> pipeSuggestions(const TempDir &dir, const std::string &word)
-{
-    std::string command = "printf '^" + word + "\\n' | HOME=" + dir.path + " '" ORTO_PROGRAM "' -a --max 5";
-    FILE *p = popen(command.c_str(), "r");
-    std::string out;
-    char buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof buf, p)) > 0)
-        out.append(buf, n);
-    pclose(p);
-    std::vector<std::string> list;
-    size_t colon = out.find(": ");
-    for (size_t at = colon + 2; colon != std::string::npos && at < out.size();) {
-        size_t end = out.find_first_of(",\n", at);
-        list.push_back(out.substr(at, end - at));
-        at = out[end] == ',' ? end + 2 : out.size();
-    }
-    return list;
-}
-
 TEST(LspServer, CodeActionsAndDictionaries)
 {
     Server s;
@@ -236,7 +215,7 @@ TEST(LspServer, CodeActionsAndDictionaries)
     s.open("b.txt", "plaintext", "Did you recieve it? Ask Xyzzyq or Qwrtzu.\n");
     json actions = s.codeActions(2, "a.md", 0, 5);
     std::vector<std::string> expected;
-    for (const std::string &w : pipeSuggestions(s.dir, "recieve"))
+    for (const std::string &w : pipeSuggestions(ORTO_PROGRAM, s.dir.path, "recieve"))
         expected.push_back("Change to '" + w + "'");
     ASSERT_FALSE(expected.empty());
     expected.insert(expected.end(), {"Add 'recieve' to personal dictionary", "Add 'recieve' to project dictionary",

@@ -17,6 +17,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <stdio.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -215,5 +217,30 @@ struct LspClient {
             close(out);
     }
 };
+
+/* The suggestions that `orto -a --max 5` gives for `word`, best first: the
+ * ranking the program uses, which the server's code actions follow. */
+inline std::vector<std::string> pipeSuggestions(const std::string &program, const std::string &home,
+                                                const std::string &word)
+{
+    std::string command = "printf '^" + word + "\\n' | HOME='" + home + "' XDG_CONFIG_HOME='" + home +
+                          "/no-config' '" + program + "' -a --max 5";
+    std::string out;
+    if (FILE *p = popen(command.c_str(), "r")) {
+        char buf[4096];
+        size_t n;
+        while ((n = fread(buf, 1, sizeof buf, p)) > 0)
+            out.append(buf, n);
+        pclose(p);
+    }
+    std::vector<std::string> list; /* from "& WORD COUNT OFFSET: s1, s2, ..." */
+    size_t colon = out.find(": ");
+    for (size_t at = colon + 2; colon != std::string::npos && at < out.size();) {
+        size_t end = out.find_first_of(",\n", at);
+        list.push_back(out.substr(at, end - at));
+        at = end != std::string::npos && out[end] == ',' ? end + 2 : out.size();
+    }
+    return list;
+}
 
 #endif

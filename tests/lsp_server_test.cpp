@@ -280,6 +280,9 @@ TEST(LspServer, DoubledAndCapitalisedWords)
     json doubled = s.codeActions(3, "a.txt", 0, 11)["result"][0];
     EXPECT_EQ(doubled["title"], "Remove doubled word");
     EXPECT_EQ(doubled["edit"]["changes"][s.uri("a.txt")][0], json({{"range", range(0, 9, 0, 13)}, {"newText", ""}}));
+    // a Markdown heading ends its block: no doubled word across it
+    EXPECT_EQ(summary(s.open("a.md", "markdown", "## Usage\nUsage is simple.\nthe\nthe end\n")),
+              std::vector<std::string>{"3:0 the (doubled)"});
     EXPECT_EQ(s.stop(), 0);
 }
 
@@ -311,9 +314,13 @@ TEST(LspServer, Settings)
 
     // a later configuration overrides key by key; a bad value keeps the old one
     s.c.notify("workspace/didChangeConfiguration",
-               {{"settings", {{"orto", {{"options", {{"ReportDoubledWords", false}}}, {"maxSuggestions", "many"}}}}}});
-    EXPECT_EQ(s.c.waitFor([](const json &m) { return m.value("method", "") == "window/showMessage"; })["params"]["message"],
-              "orto: bad setting 'maxSuggestions': it takes a whole number from 1 to 100");
+               {{"settings",
+                 {{"orto", {{"options", {{"ReportDoubledWords", false}}}, {"maxSuggestions", "many"}, {"lexicons", 7}}}}}});
+    auto shown = [&s]() {
+        return s.c.waitFor([](const json &m) { return m.value("method", "") == "window/showMessage"; })["params"]["message"];
+    };
+    EXPECT_EQ(shown(), "orto: bad setting 'lexicons': it takes a list of lexicon names or files");
+    EXPECT_EQ(shown(), "orto: bad setting 'maxSuggestions': it takes a whole number from 1 to 100");
     publish = s.c.diagnostics(s.uri("a.md"));
     EXPECT_EQ(summary(publish), std::vector<std::string>{"0:22 recieve (misspelled)"});
     EXPECT_EQ(publish["params"]["diagnostics"][0]["severity"], 1);
@@ -338,6 +345,9 @@ TEST(LspServer, BadInputNeverEndsTheServer)
                 body(4) + "junk\r\n\r\n" + header(body(5).size()) + body(5));
     for (int id = 2; id <= 5; id++)
         EXPECT_EQ(s.c.response(id)["error"]["code"], -32601) << id;
+    std::string deep = std::string(100000, '[') + std::string(100000, ']'); // would overflow the stack
+    s.c.sendRaw(header(deep.size()) + deep);
+    EXPECT_EQ(s.c.waitFor([](const json &m) { return m.contains("error"); })["error"]["code"], -32700);
     s.c.sendRaw(header(28) + "{\"id\":{},\"method\":\"x/y\"}    ");
     EXPECT_EQ(s.c.waitFor([](const json &m) { return m.contains("error"); })["error"]["code"], -32600);
 

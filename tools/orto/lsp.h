@@ -157,6 +157,10 @@ void chooseScope(Document *doc);
  * returns the state for the next line. */
 uint32_t scanLine(const Document &doc, size_t lineIndex, uint32_t state, std::string *engine);
 
+/* True when line `i` ends a block of text, so that the next line's first
+ * word doesn't follow its last one (a Markdown heading). */
+bool endsBlock(const Document &doc, size_t i);
+
 /* The punctuation byte that stands for a hidden character. */
 const char HiddenByte = '|';
 

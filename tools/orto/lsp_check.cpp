@@ -5,8 +5,9 @@
  * before it and a line end: the doubled-word test then sees a word
  * repeated across a line end, as it would in one block of the whole text,
  * while an edit costs the check of the edited lines and the one after
- * each.  A line after an empty one is checked with nothing in front, so
- * with ReportUncappedWords a paragraph's first word is held to a capital.
+ * each.  A line after an empty one (or after a Markdown heading) is
+ * checked with nothing in front, so with ReportUncappedWords a
+ * paragraph's first word is held to a capital.
  *
  * In source code a reported word that joins words the way identifiers do
  * (getUserName, parseHTTPHeader, utf8Decode, os.path) is checked again as
@@ -120,7 +121,7 @@ void checkLine(Server *s, Document *doc, size_t i)
     line.publishedAs = SIZE_MAX;
     if (!doc->enabled || !s->haveLexicons)
         return;
-    std::string text = i > 0 ? contextOf(doc->lines[i - 1].engine) : std::string();
+    std::string text = i > 0 && !endsBlock(*doc, i - 1) ? contextOf(doc->lines[i - 1].engine) : std::string();
     uint32_t prefix = (uint32_t)text.size();
     text += line.engine;
     std::vector<WalkWord> words;

@@ -284,6 +284,15 @@ static uint32_t scanMarkdown(const std::string &text, size_t lineIndex, uint32_t
     return MarkdownText;
 }
 
+bool endsBlock(const Document &doc, size_t i)
+{
+    if (doc.scope != ScopeMarkdown)
+        return false;
+    const std::string &t = doc.lines[i].text;
+    size_t lead = t.find_first_not_of(' ');
+    return lead != std::string::npos && lead < 4 && t[lead] == '#';
+}
+
 /* ---- source code ---- */
 
 enum {

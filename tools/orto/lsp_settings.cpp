@@ -148,11 +148,9 @@ static void readLayer(const Json &layer, ServerSettings *settings, std::vector<s
             } else {
                 bad = "error, warning, information or hint, or an object of them by kind";
             }
+        } else if (key == "options" && !v.is_object()) {
+            bad = "an object of option names and true or false";
         } else if (key == "options") {
-            if (!v.is_object()) {
-                bad = "an object of option names and true or false";
-                continue;
-            }
             for (auto o = v.begin(); o != v.end(); ++o) {
                 uint32_t bit = optionBitByName(o.key().c_str());
                 const Json &on = o.value();
@@ -178,8 +176,10 @@ static void checkLexiconNames(const Server &s, std::vector<std::string> *names, 
     std::vector<std::string> kept;
     for (const std::string &name : *names) {
         std::string path;
-        if (name.empty())
+        if (name.empty()) {
+            warnings->push_back("an empty lexicon name");
             continue;
+        }
         if (name.find('/') != std::string::npos || name[0] == '~') {
             path = settingPath(s, name);
             if (isFile(path)) {

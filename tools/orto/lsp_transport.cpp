@@ -23,6 +23,7 @@
 
 static const char HeaderName[] = "Content-Length:";
 static const size_t MaxMessage = (size_t)1 << 30; /* larger is taken for garbage */
+static const int MaxDepth = 512;                   /* deeper JSON is refused */
 
 void initTransport(Transport *t, int in, int out)
 {
@@ -108,8 +109,37 @@ static size_t nextHeader(const std::string &b, size_t from)
     return std::string::npos;
 }
 
+/* True when arrays and objects nest deeper than `limit` somewhere in
+ * b[from, to): the library's copies and comparisons of such a value
+ * recurse, and no message of the protocol nests that deep. */
+static bool nestsTooDeep(const std::string &b, size_t from, size_t to, int limit)
+{
+    int depth = 0;
+    bool inString = false;
+    for (size_t i = from; i < to; i++) {
+        char c = b[i];
+        if (inString) {
+            if (c == '\\')
+                i++;
+            else if (c == '"')
+                inString = false;
+        } else if (c == '"') {
+            inString = true;
+        } else if ((c == '[' || c == '{') && ++depth > limit) {
+            return true;
+        } else if (c == ']' || c == '}') {
+            depth--;
+        }
+    }
+    return false;
+}
+
 static bool parseBody(const std::string &b, size_t from, size_t to, Json *out)
 {
+    if (nestsTooDeep(b, from, to, MaxDepth)) {
+        *out = Json();
+        return false;
+    }
     *out = Json::parse(b.begin() + (long)from, b.begin() + (long)to, nullptr, false);
     return !out->is_discarded();
 }

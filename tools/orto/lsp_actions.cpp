@@ -157,7 +157,7 @@ Json codeActions(Server *s, const Json &id, const Json &params, bool *cancelled)
 
 bool executeCommand(Server *s, const Json &params, std::string *error)
 {
-    std::string command, word, engine;
+    std::string command, engine;
     const Json *arguments = member(params, "arguments");
     if (!stringMember(params, "command", &command)) {
         *error = "no command";

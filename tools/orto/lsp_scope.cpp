@@ -240,8 +240,10 @@ static void hideMarkdownInline(std::string *s)
             i = close + 1;
         } else if (c == ']' && i + 1 < t.size() && t[i + 1] == '[') {
             size_t close = t.find(']', i + 2);
-            if (close == std::string::npos)
-                break;
+            if (close == std::string::npos) {
+                i++;
+                continue;
+            }
             hide(s, i + 1, close + 1);
             i = close + 1;
         } else {

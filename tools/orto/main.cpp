@@ -24,6 +24,7 @@ static void printUsage(FILE *out)
           "  pipe                 the ispell pipe protocol for editors (orto -a)\n"
           "  compress -o OUT LIST...  make a compressed lexicon from word lists\n"
           "  lex ACTION FILE ...  show and edit a text lexicon file\n"
+          "  lsp                  a language server for editors (LSP, on stdio)\n"
           "  help [COMMAND]       show this help, or the help of a command\n"
           "\n"
           "Options:\n"
@@ -54,6 +55,7 @@ static const Command Commands[] = {
     {"pipe", runPipe, printPipeHelp},
     {"compress", runCompress, printCompressHelp},
     {"lex", runLex, printLexHelp},
+    {"lsp", runLsp, printLspHelp},
 };
 
 static const Command *findCommand(const char *name)

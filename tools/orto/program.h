@@ -125,12 +125,14 @@ int runSuggest(int argc, char **argv, int first);
 int runPipe(int argc, char **argv, int first);
 int runCompress(int argc, char **argv, int first);
 int runLex(int argc, char **argv, int first);
+int runLsp(int argc, char **argv, int first);
 
 void printListHelp(FILE *out);
 void printSuggestHelp(FILE *out);
 void printPipeHelp(FILE *out);
 void printCompressHelp(FILE *out);
 void printLexHelp(FILE *out);
+void printLspHelp(FILE *out);
 void printCheckOptionsHelp(FILE *out);
 
 #endif

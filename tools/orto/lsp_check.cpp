@@ -125,7 +125,13 @@ void checkLine(Server *s, Document *doc, size_t i)
     uint32_t prefix = (uint32_t)text.size();
     text += line.engine;
     std::vector<WalkWord> words;
+    /* In code a word with digits is an identifier whose letters are words
+     * of their own (base64Dcode): it is not passed whole, its parts are
+     * checked below. */
+    int32_t ignoredDigits = doc->scope == ScopeCode ? ORTO_SetOption(s->lexicons.sid, ORTO_IgnoreMixedDigits, 0) : 0;
     int16_t rc = walkText(s->lexicons.sid, text, false, &words);
+    if (ignoredDigits > 0)
+        ORTO_SetOption(s->lexicons.sid, ORTO_IgnoreMixedDigits, 1);
     if (rc < 0)
         logMessage(&s->io, MessageError,
                    doc->uri + ":" + std::to_string(i + 1) + ": checking failed: " + resultText(rc));

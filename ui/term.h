@@ -68,6 +68,8 @@ bool editsText(Window *w);
 void frame(int top, int left, int height, int width);
 void drawScreen(HWND top);
 void drawWaitNotice(void);
+/* Rows of the list of an open drop-down combo box, below its box. */
+int droppedRows(Window *w);
 
 /* The boxes over a dialog. */
 void termMessageBox(const char *text, const char *title);

@@ -221,8 +221,8 @@ TEST(TerminalFrontEnd, TheSaveFileDialogFiltersCompletesAndAsksBeforeReplacing)
 }
 
 /* A text control checked in place: the document behind the dialog, the
- * word under check highlighted and scrolled into view, each change shown
- * there as it is made. */
+ * word under check highlighted and scrolled into view through resizes,
+ * each change shown there as it is made. */
 TEST(TerminalFrontEnd, TheDocumentShowsTheWordUnderCheckAndEachChange)
 {
     TermFixture f;
@@ -234,10 +234,25 @@ TEST(TerminalFrontEnd, TheDocumentShowsTheWordUnderCheckAndEachChange)
     writeFile(f.dir.file("doc.txt"), text);
     TmuxSession t(f.host("control " + TmuxSession::quote(f.dir.file("doc.txt"))));
     ASSERT_TRUE(t.waitFor("Not in Dictionary:speling")) << t.screen();
-    std::string shown = t.screen();
-    ASSERT_LT(shown.find("line 30 has a speling"), shown.find("Check Spelling")) << shown; /* above the dialog */
-    EXPECT_EQ(shown.find("line 1 is fine"), std::string::npos) << shown;
+    auto wordAboveDialog = [&] {
+        std::string shown = t.screen();
+        size_t word = shown.find("line 30 has a speling"), dialog = shown.find("Check Spelling");
+        return word != std::string::npos && dialog != std::string::npos && word < dialog;
+    };
+    EXPECT_TRUE(wordAboveDialog()) << t.screen();
+    EXPECT_EQ(t.screen().find("line 1 is fine"), std::string::npos) << t.screen();
     EXPECT_NE(t.screen(true).find("\x1b[46mspeling\x1b[0m"), std::string::npos) << t.screen(true);
+    /* too small for a while, then as big as before, then bigger: laid out
+     * as it was placed each time */
+    t.resize(40, 10);
+    ASSERT_TRUE(t.waitFor("ORTO needs a terminal of at least 68x15")) << t.screen();
+    t.resize(80, 24);
+    EXPECT_TRUE(TmuxSession::until(wordAboveDialog)) << t.screen();
+    t.resize(100, 30);
+    ASSERT_TRUE(t.waitFor("line 39 is fine")) << t.screen();
+    EXPECT_TRUE(TmuxSession::until(wordAboveDialog)) << t.screen();
+    t.resize(80, 24);
+    ASSERT_TRUE(t.waitFor("line 39 is fine", 20, true)) << t.screen();
     t.keys("M-c");
     ASSERT_TRUE(t.waitFor("Not in Dictionary:mistaek")) << t.screen();
     EXPECT_NE(t.screen().find("line 30 has a spelling slip"), std::string::npos) << t.screen();

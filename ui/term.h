@@ -31,12 +31,21 @@ enum TermPair {
     PairTitle         /* a dialog's caption */
 };
 
+/* A pane or dialog as its owner placed it, on a screen of that size, and
+ * the rectangle the last resize gave it. */
+struct Placement {
+    RECT at;
+    int rows, cols;
+    RECT shown;
+};
+
 struct TermState {
     bool active;                      /* curses mode is on */
     int rows, cols;                   /* the screen's size */
     std::map<HWND, uint32_t> caret;   /* caret of each field */
     std::map<HWND, uint32_t> scroll;  /* first shown character of a field, first line of a pane */
     HWND enterOnList;                 /* the list that took the last Enter, for a double Enter */
+    std::map<HWND, Placement> placed; /* where the panes and dialogs were put, for resizes */
 };
 extern TermState term;
 
@@ -45,6 +54,9 @@ extern TermState term;
 void termStart(void);
 void termStop(void);
 void termFrontEndIdle(void);
+/* The terminal has a new size: the document panes and the dialogs are
+ * laid out for it again. */
+void termResized(void);
 
 /* Windows Latin-1 to the screen's characters and back; -1 for a character
  * that has no Latin-1 form. */

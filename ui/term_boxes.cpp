@@ -94,7 +94,7 @@ void termMessageBox(const char *text, const char *title)
         if (!readKey(&key, &isCode))
             continue;
         if (isCode && key == KEY_RESIZE) {
-            getmaxyx(stdscr, term.rows, term.cols);
+            termResized();
             continue;
         }
         if ((!isCode && (key == '\r' || key == '\n' || key == ' ' || key == 27)) ||
@@ -207,7 +207,7 @@ void termHelp(const char *helpFile, uint32_t topic)
         int last = (int)lines.size() - height > 0 ? (int)lines.size() - height : 0;
         if (isCode) {
             if (key == KEY_RESIZE)
-                getmaxyx(stdscr, term.rows, term.cols);
+                termResized();
             else if (key == KEY_UP)
                 first = first > 0 ? first - 1 : 0;
             else if (key == KEY_DOWN)
@@ -398,7 +398,7 @@ int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pat
             continue;
         if (isCode) {
             if (key == KEY_RESIZE)
-                getmaxyx(stdscr, term.rows, term.cols);
+                termResized();
             else if (key == KEY_UP)
                 s.selected = s.selected > -1 ? s.selected - 1 : -1;
             else if (key == KEY_DOWN)

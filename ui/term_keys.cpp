@@ -380,36 +380,13 @@ static bool tooSmall(void)
     return true;
 }
 
-/* After a resize every dialog is moved back onto the screen, and a pane
- * that spanned the screen's width spans it again. */
-static void resized(void)
-{
-    int oldRows = term.rows, oldCols = term.cols;
-    getmaxyx(stdscr, term.rows, term.cols);
-    std::vector<HWND> panes;
-    listTopLevelWindows(&panes);
-    for (HWND p : panes) {
-        Window *w = windowOf(p);
-        if (w && w->kind == KindEdit && w->width >= oldCols && w->x == 0)
-            MoveWindow(p, 0, w->y, term.cols, w->height + term.rows - oldRows > 1 ? w->height + term.rows - oldRows : 1, 0);
-    }
-    for (HWND h : runningDialogs()) {
-        Window *d = windowOf(h);
-        if (!d)
-            continue;
-        int x = d->x + d->width > term.cols ? term.cols - d->width : d->x;
-        int y = d->y + d->height > term.rows ? term.rows - d->height : d->y;
-        MoveWindow(h, x < 0 ? 0 : x, y < 0 ? 0 : y, d->width, d->height, 0);
-    }
-}
-
 static int32_t handleKey(Window *d, wint_t key, bool isCode)
 {
     Window *f = focused(d);
     if (isCode) {
         switch (key) {
         case KEY_RESIZE:
-            resized();
+            termResized();
             return NoCommand;
         case KEY_MOUSE:
             return mouseClick(d);

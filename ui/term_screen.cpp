@@ -16,6 +16,8 @@
 #define NCURSES_WIDECHAR 1
 #include <ncursesw/curses.h>
 
+#include <vector>
+
 #include "ui/term.h"
 
 TermState term;
@@ -144,6 +146,58 @@ void termStop(void)
 }
 
 void termFrontEndIdle(void) { termStop(); }
+
+static bool sameRect(const RECT &a, const RECT &b)
+{
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+/* A resize lays the screen out again from where each pane and dialog was
+ * put (by its owner or by the dialog logic), not from where the last
+ * resize left it, so a terminal that was too small for a while shows
+ * again what it showed before.  A pane that spanned the screen's width
+ * spans it again and gains or loses the rows the screen did; a dialog that
+ * stood at the screen's bottom or right edge stays there; a dialog is kept
+ * on the screen where it fits. */
+void termResized(void)
+{
+    int oldRows = term.rows, oldCols = term.cols;
+    getmaxyx(stdscr, term.rows, term.cols);
+    std::vector<HWND> windows;
+    listTopLevelWindows(&windows);
+    windows.insert(windows.end(), runningDialogs().begin(), runningDialogs().end());
+    std::map<HWND, Placement> placed;
+    for (HWND h : windows) {
+        Window *w = windowOf(h);
+        if (!w || (w->kind != KindEdit && w->kind != KindDialog))
+            continue;
+        RECT now = {w->x, w->y, w->x + w->width, w->y + w->height};
+        auto found = term.placed.find(h);
+        Placement p = found != term.placed.end() && sameRect(found->second.shown, now)
+                          ? found->second
+                          : Placement{now, oldRows, oldCols, now};
+        int x = p.at.left, y = p.at.top, width = p.at.right - p.at.left, height = p.at.bottom - p.at.top;
+        if (w->kind == KindEdit) {
+            if (x == 0 && width > 0 && width >= p.cols) {
+                width = term.cols;
+                height = height + term.rows - p.rows > 1 ? height + term.rows - p.rows : 1;
+            }
+        } else {
+            if (p.at.bottom >= p.rows)
+                y = term.rows - height;
+            if (p.at.right >= p.cols)
+                x = term.cols - width;
+            x = x + width > term.cols ? term.cols - width : x;
+            y = y + height > term.rows ? term.rows - height : y;
+            x = x < 0 ? 0 : x;
+            y = y < 0 ? 0 : y;
+        }
+        MoveWindow(h, x, y, width, height, 0);
+        p.shown = RECT{x, y, x + width, y + height};
+        placed[h] = p;
+    }
+    term.placed.swap(placed);
+}
 
 bool readKey(wint_t *key, bool *isCode, int timeoutMs)
 {

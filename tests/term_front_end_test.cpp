@@ -263,3 +263,20 @@ TEST(TerminalFrontEnd, TheDocumentShowsTheWordUnderCheckAndEachChange)
     EXPECT_NE(t.screen().find("line 33 has a mistaek too\n"), std::string::npos) << t.screen();
     EXPECT_NE(t.screen().find("result -17\n"), std::string::npos) << t.screen();
 }
+
+/* A terminal whose type can't show the dialogs: one line says so, and the
+ * dialog ends as a dialog without a user does; the host goes on. */
+TEST(TerminalFrontEnd, ATerminalThatCantShowTheDialogsIsSaidSoAndTheHostGoesOn)
+{
+    TermFixture f;
+    for (const char *type : {"no-such-terminal", "dumb"}) {
+        SCOPED_TRACE(type);
+        TmuxSession t(std::string("TERM=") + type + " " + f.host("options"));
+        ASSERT_TRUE(t.waitFor("[exited 0]")) << t.screen();
+        std::string shown = t.screen();
+        EXPECT_NE(shown.find(std::string("ORTO: the terminal \"") + type + "\" can't show the dialogs"),
+                  std::string::npos)
+            << shown;
+        EXPECT_NE(shown.find("result -17"), std::string::npos) << shown;
+    }
+}

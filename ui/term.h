@@ -50,8 +50,10 @@ struct TermState {
 extern TermState term;
 
 /* The screen: started at the first need, given back to the shell when the
- * outermost dialog ends. */
-void termStart(void);
+ * outermost dialog ends.  False when the terminal can't show the dialogs
+ * (termUsable), which then have no user. */
+bool termUsable(void);
+bool termStart(void);
 void termStop(void);
 void termFrontEndIdle(void);
 /* The terminal has a new size: the document panes and the dialogs are

@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/debug_log.h"
 #include "platform/folder_list.h"
 #include "ui/term.h"
 
@@ -68,7 +69,10 @@ static RECT box(const std::string &title, int width, int height)
 
 void termMessageBox(const char *text, const char *title)
 {
-    termStart();
+    if (!termStart()) {
+        DebugLog("MessageBoxA: %s: %s", title, text);
+        return;
+    }
     int width = 20;
     for (const std::string &line : wrap(text, 60))
         if ((int)line.size() + 6 > width)
@@ -174,7 +178,8 @@ static void putUtf8(int y, int x, const std::string &text, int width)
 
 void termHelp(const char *helpFile, uint32_t topic)
 {
-    termStart();
+    if (!termStart())
+        return;
     std::string path = findHelpFile(helpFile);
     std::vector<std::string> lines = helpSection(path, topic);
     if (lines.empty()) {
@@ -344,7 +349,8 @@ static bool ask(const std::string &question)
 
 int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pathSize)
 {
-    termStart();
+    if (!termStart())
+        return 0;
     FileDialogState s{};
     for (const char *p = request->filter; p && *p;) {
         std::string description = p;

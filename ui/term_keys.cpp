@@ -468,7 +468,8 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
 
 int32_t termNextCommand(HWND dialog)
 {
-    termStart();
+    if (!termStart())
+        return -1;
     for (;;) {
         Window *d = windowOf(dialog);
         if (!d)

@@ -10,14 +10,17 @@
  * screen; nothing else of the locale is touched.
  */
 #include <locale.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #define NCURSES_WIDECHAR 1
 #include <ncursesw/curses.h>
+#include <ncursesw/term.h>
 
 #include <vector>
 
+#include "engine/debug_log.h"
 #include "ui/term.h"
 
 TermState term;
@@ -99,15 +102,44 @@ static void chooseCharacterType(void)
         setlocale(LC_CTYPE, "C.UTF-8");
 }
 
-void termStart(void)
+/* Whether the terminal can show the dialogs: a type that terminfo knows
+ * and that can put the cursor anywhere.  Asked before curses starts, whose
+ * own start would end the host's process on a type it doesn't know. */
+bool termUsable(void)
+{
+    static int usable = -1;
+    if (usable >= 0)
+        return usable != 0;
+    int error = 0;
+    usable = 0;
+    if (setupterm(nullptr, 1, &error) == OK) {
+        char *move = tigetstr("cup");
+        usable = move != nullptr && move != (char *)-1;
+        del_curterm(cur_term);
+    }
+    if (!usable) {
+        const char *type = getenv("TERM");
+        fprintf(stderr, "ORTO: the terminal \"%s\" can't show the dialogs (an unknown type, or one that "
+                        "can't move the cursor)\n", type ? type : "");
+        DebugLog("termUsable: TERM \"%s\" can't show the dialogs", type ? type : "");
+    }
+    return usable != 0;
+}
+
+bool termStart(void)
 {
     if (term.active)
-        return;
+        return true;
+    if (!termUsable())
+        return false;
     static bool initialised;
     if (!initialised) {
         chooseCharacterType();
         set_escdelay(50);
-        initscr();
+        if (!newterm(nullptr, stdout, stdin)) {
+            DebugLog("termStart: curses can't start on this terminal");
+            return false;
+        }
         initialised = true;
         if (has_colors()) {
             start_color();
@@ -132,6 +164,7 @@ void termStart(void)
     }
     term.active = true;
     getmaxyx(stdscr, term.rows, term.cols);
+    return true;
 }
 
 void termStop(void)

@@ -184,8 +184,8 @@ TEST(TerminalFrontEnd, EveryControlKindByKeysAndTheMouse)
 }
 
 /* The save form of the file dialog: the filter's patterns and the next
- * filter, Tab into a folder and to a name, and the question before a file
- * is replaced, answered both ways. */
+ * filter, Tab along a path to a folder and a name, a folder that doesn't
+ * exist, and the question before a file is replaced, answered both ways. */
 TEST(TerminalFrontEnd, TheSaveFileDialogFiltersCompletesAndAsksBeforeReplacing)
 {
     TermFixture f("UserLexFiles=fruits.tlx\n");
@@ -202,7 +202,9 @@ TEST(TerminalFrontEnd, TheSaveFileDialogFiltersCompletesAndAsksBeforeReplacing)
     EXPECT_EQ(t.screen().find("table.dat"), std::string::npos) << t.screen();
     t.keys("F2"); /* All files */
     ASSERT_TRUE(t.waitFor("table.dat")) << t.screen();
-    t.keys("F2 s Tab w Tab");
+    t.keys("F2");
+    t.keys("sub/w", true);
+    t.keys("Tab");
     ASSERT_TRUE(t.waitFor("Folder: " + f.dir.path + "/sub")) << t.screen();
     ASSERT_TRUE(t.waitFor("Name: words.txt")) << t.screen();
     t.keys("Enter");
@@ -211,6 +213,14 @@ TEST(TerminalFrontEnd, TheSaveFileDialogFiltersCompletesAndAsksBeforeReplacing)
     ASSERT_TRUE(t.waitFor("Replace it?", 20, true)) << t.screen();
     EXPECT_NE(t.screen().find("Name: words.txt"), std::string::npos) << t.screen();
     EXPECT_EQ(readFile(f.dir.file("sub/words.txt")), "old\n");
+    t.keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace");
+    t.keys("../nowhere/x", true);
+    t.keys("Enter");
+    ASSERT_TRUE(t.waitFor("The folder " + f.dir.path + "/nowhere does not exist.")) << t.screen();
+    t.keys("Enter");
+    ASSERT_TRUE(t.waitFor("does not exist", 20, true)) << t.screen();
+    t.keys("BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace BSpace");
+    t.keys("words.txt", true);
     t.keys("Enter");
     ASSERT_TRUE(t.waitFor("Replace it?")) << t.screen();
     t.keys("y");

@@ -290,18 +290,45 @@ static void readFolder(FileDialogState *s)
     s->first = 0;
 }
 
+/* `name` in `folder` (a name that begins with '/' stands alone), with the
+ * "." and ".." parts taken out, so the folder line reads as a person
+ * would type it. */
 static std::string joinPath(const std::string &folder, const std::string &name)
 {
-    if (!name.empty() && name[0] == '/')
-        return name;
-    if (folder.empty() || folder == ".")
-        return name;
-    return folder.back() == '/' ? folder + name : folder + "/" + name;
+    std::string whole = !name.empty() && name[0] == '/' ? name : folder + "/" + name;
+    bool absolute = whole[0] == '/';
+    std::vector<std::string> parts;
+    for (size_t start = 0; start <= whole.size();) {
+        size_t end = whole.find('/', start);
+        if (end == std::string::npos)
+            end = whole.size();
+        std::string part = whole.substr(start, end - start);
+        if (part == ".." && !parts.empty() && parts.back() != "..")
+            parts.pop_back();
+        else if (part == ".." ? !absolute : !part.empty() && part != ".")
+            parts.push_back(part);
+        start = end + 1;
+    }
+    std::string out = absolute ? "/" : "";
+    for (size_t i = 0; i < parts.size(); i++)
+        out += (i ? "/" : "") + parts[i];
+    return out.empty() ? "." : out;
 }
 
-/* Tab: the longest common start of the entries that begin with the field. */
+/* Tab: a path typed in the field first goes to its folder; then the
+ * field takes the longest common start of the entries that begin with it,
+ * and a folder that is the one match is opened. */
 static void complete(FileDialogState *s)
 {
+    size_t slash = s->field.rfind('/');
+    if (slash != std::string::npos) {
+        std::string folder = joinPath(s->folder, slash == 0 ? "/" : s->field.substr(0, slash));
+        if (!isFolder(folder.c_str()))
+            return;
+        s->folder = folder;
+        s->field.erase(0, slash + 1);
+        readFolder(s);
+    }
     std::string common;
     bool any = false;
     for (const FolderEntry &e : s->shown) {
@@ -444,6 +471,13 @@ int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pat
                 s.folder = full;
                 s.field.clear();
                 readFolder(&s);
+                continue;
+            }
+            size_t cut = full.rfind('/');
+            std::string folder = cut == 0 ? "/" : cut == std::string::npos ? "." : full.substr(0, cut);
+            if ((request->flags & ORTO_OFN_PATHMUSTEXIST) && !isFolder(folder.c_str())) {
+                termMessageBox(("The folder " + folder + " does not exist.").c_str(),
+                               request->title ? request->title : "Open");
                 continue;
             }
             bool exists = std::ifstream(full).good();

@@ -12,6 +12,7 @@
  *   Space                   press a button, switch a check box
  *   arrows, Page, Home/End  move in lists, fields, radio groups
  *   F4, Alt+Down            open a drop-down list
+ *   Ctrl-L                  draw the screen again
  *
  * Changes the user makes to a control are made silently (the window layer
  * knows the front end is at work); the command returned is their one
@@ -432,6 +433,9 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
     switch (key) {
     case '\t':
         moveFocus(d, 1);
+        return NoCommand;
+    case 12: /* Ctrl-L: the whole screen sent again, as in other programs */
+        clearok(curscr, TRUE);
         return NoCommand;
     case '\r':
     case '\n':

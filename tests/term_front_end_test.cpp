@@ -196,6 +196,7 @@ TEST(TerminalFrontEnd, TheSaveFileDialogFiltersCompletesAndAsksBeforeReplacing)
     writeFile(f.dir.file("sub/words.txt"), "old\n");
     TmuxSession t(f.host("dictionaries"));
     ASSERT_TRUE(t.waitFor("fruits.tlx")) << t.screen();
+    EXPECT_NE(t.screen().find("[Delete Word]"), std::string::npos) << t.screen(); /* a face a cell wider */
     t.keys("M-e");
     ASSERT_TRUE(t.waitFor("Export Dictionary")) << t.screen();
     ASSERT_TRUE(t.waitFor("notes.txt")) << t.screen();

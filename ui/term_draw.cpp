@@ -288,9 +288,16 @@ static void drawButton(Window *d, Window *w, RECT r, bool focused)
         putFitted(r.top, r.left + 2, label, labelRoom(d, w, r) - 2, at);
         return;
     }
+    /* a face one or two cells wider than its button takes the free cells
+     * beside it, as a label does, so that it keeps its brackets */
     bool isDefault = type == BS_DEFPUSHBUTTON;
     int width = r.right - r.left, shift = 1;
     std::string shown = buttonFace(label, isDefault, width, &shift);
+    if (shown.size() == label.size() || shown.size() > (size_t)width) {
+        int room = labelRoom(d, w, r);
+        shown = buttonFace(label, isDefault, room, &shift);
+        width = (int)shown.size() > width ? (int)shown.size() : width;
+    }
     int x = r.left + (width > (int)shown.size() ? (width - (int)shown.size()) / 2 : 0);
     if (focused)
         attron(A_REVERSE);

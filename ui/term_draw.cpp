@@ -217,7 +217,8 @@ static void drawField(Window *w, int y, int x, int width, bool focused)
 }
 
 /* The selected entry stands out by colour whatever the font's weight: in
- * reverse where the list has the focus, else in the colour of a selection. */
+ * reverse where the list has the focus, else in the colour of a selection.
+ * A list with the focus and no selection has its first row underlined. */
 static void drawList(Window *w, int y, int x, int height, int width, bool focused)
 {
     Pen pen = currentPen();
@@ -229,16 +230,24 @@ static void drawList(Window *w, int y, int x, int height, int width, bool focuse
         w->topIndex = w->curSel;
     if (w->curSel >= 0 && height > 0 && w->curSel >= w->topIndex + height)
         w->topIndex = w->curSel - height + 1;
+    int textWidth = width - (count > height ? 1 : 0);
+    if (focused && w->curSel < 0 && height > 0) { /* the focus on a list without a selection */
+        attron(A_UNDERLINE);
+        fill(y, x, 1, textWidth);
+        usePen(field);
+    }
     for (int row = 0; row < height && w->topIndex + row < count; row++) {
         int index = w->topIndex + row;
+        if (focused && w->curSel < 0 && row == 0)
+            attron(A_UNDERLINE);
         if (index == w->curSel) {
             if (focused)
                 attron(A_REVERSE);
             else
                 attron(COLOR_PAIR(PairSelected));
-            fill(y + row, x, 1, width - (count > height ? 1 : 0));
+            fill(y + row, x, 1, textWidth);
         }
-        putText(y + row, x, w->items[(size_t)index].text, width - (count > height ? 1 : 0));
+        putText(y + row, x, w->items[(size_t)index].text, textWidth);
         usePen(field);
     }
     if (count > height && height > 0 && width > 1) {

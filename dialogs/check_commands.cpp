@@ -31,14 +31,8 @@ static void changeWord(HWND dialog, char action)
     GetDlgItemTextA(dialog, ChangeToField, replacement, sizeof replacement);
     uint32_t cursor = 0;
     ORTO_GetBlockInfo(sharedSid, checkParams->block, nullptr, nullptr, &cursor, nullptr);
-    if (ORTO_ReplaceBlockWord(sharedSid, checkParams->block, replacement) < 0 ||
-        replaceInMirror(cursor, (u32)strlen(problemWord), replacement) < 0) {
-        checkMessage(dialog, "ErrorReplacingWordStr", "Can't replace word; probably out of space");
-        endCheckDialog(dialog, ORTO_BufferTooSmall);
+    if (!replaceProblemWord(dialog, cursor, replacement))
         return;
-    }
-    logChange(cursor, problemWord, (i16)strlen(replacement));
-    SetFocus(dialog);
     wordsChanged++;
     if (strcmp(replacement, problemWord) != 0) {
         i16 rc = ORTO_AddToLex(sharedSid, tempLexId(), problemWord, (uint16_t)action, replacement);

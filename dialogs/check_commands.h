@@ -27,6 +27,10 @@ void fillAddWordsList(HWND dialog);
  * at most 20 behind the best.  Result how many. */
 int fillSuggestionList(const char *word, HWND list, i32 depth);
 void endCheckDialog(HWND dialog, i32 code);
+/* Puts `text` in the place of the problem word at `cursor`, in the block
+ * and the mirror control, and logs the change; on a refusal the dialog
+ * says so and ends with ORTO_BufferTooSmall, and the result is false. */
+bool replaceProblemWord(HWND dialog, u32 cursor, const char *text);
 /* A message box of the dialog, titled "Check spelling". */
 void checkMessage(HWND dialog, const char *textId, const char *textDefault);
 

@@ -112,6 +112,20 @@ void updateCheckControls(HWND dialog)
     enable(dialog, ORTO_IDCANCEL, true);
 }
 
+bool replaceProblemWord(HWND dialog, u32 cursor, const char *text)
+{
+    /* a block that refused the word has lost it; the mirror keeps it */
+    if (ORTO_ReplaceBlockWord(sharedSid, checkParams->block, text) < 0 ||
+        replaceInMirror(cursor, (u32)strlen(problemWord), text) < 0) {
+        checkMessage(dialog, "ErrorReplacingWordStr", "Can't replace word; probably out of space");
+        endCheckDialog(dialog, ORTO_BufferTooSmall);
+        return false;
+    }
+    logChange(cursor, problemWord, (i16)strlen(text));
+    SetFocus(dialog);
+    return true;
+}
+
 /* The problem's label, by string id, on control 1011. */
 static void showLabel(HWND dialog, const char *id, const char *defaultText)
 {
@@ -149,14 +163,8 @@ void checkNextProblem(HWND dialog)
         }
         uint32_t cursor = 0;
         ORTO_GetBlockInfo(sharedSid, p->block, nullptr, nullptr, &cursor, nullptr);
-        if (ORTO_ReplaceBlockWord(sharedSid, p->block, otherWord) < 0 ||
-            replaceInMirror(cursor, (u32)strlen(problemWord), otherWord) < 0) {
-            checkMessage(dialog, "ErrorReplacingWordStr", "Can't replace word; probably out of space");
-            endCheckDialog(dialog, ORTO_BufferTooSmall);
+        if (!replaceProblemWord(dialog, cursor, otherWord))
             return;
-        }
-        logChange(cursor, problemWord, (i16)strlen(otherWord));
-        SetFocus(dialog);
         ORTO_NextBlockWord(sharedSid, p->block);
         wordsChanged++;
     }

@@ -62,6 +62,22 @@ void loadFileFilter(const char *id, const char *defaultText, char *buffer)
             buffer[i] = '\0';
 }
 
+const char lexFileFilterDefault[] =
+    "Dictionary files (*.tlx)|*.tlx|External dictionaries (*.dic)|*.dic|Text files (*.txt)|*.txt|"
+    "All files (*.*)|*.*|";
+const char importFileFilterDefault[] = "Text files (*.txt)|*.txt|All files (*.*)|*.*|";
+
+bool askForFile(HWND dialog, bool save, const char *filterId, const char *filterDefault, const char *titleId,
+                const char *titleDefault, uint32_t flags, const char *defaultExtension, char *path)
+{
+    char filter[FilterSize];
+    char title[LabelSize];
+    loadFileFilter(filterId, filterDefault, filter);
+    Profile_GetText(titleId, titleDefault, title, sizeof title);
+    OPENFILENAMEA request = {dialog, filter, 1, path, PathSize, userLexPath, title, flags, defaultExtension};
+    return save ? GetSaveFileNameA(&request) != 0 : GetOpenFileNameA(&request) != 0;
+}
+
 void userLexName(const char *path, char *name, u16 size)
 {
     const char *slash = strrchr(path, '/');

@@ -33,6 +33,17 @@ bool isColourRequest(uint32_t message);
  * character turned into a NUL, as the file dialogs want it. */
 void loadFileFilter(const char *id, const char *defaultText, char *buffer);
 
+/* The filter texts of the dialogs' file dialogs. */
+extern const char lexFileFilterDefault[];
+extern const char importFileFilterDefault[];
+
+/* Runs an open (save = false) or save file dialog that starts in the user
+ * lexicon folder, with the filter of string id `filterId` and the title of
+ * string id `titleId`.  `path` (PathSize bytes) holds the name to start
+ * with and gets the answer.  False if the user cancelled. */
+bool askForFile(HWND dialog, bool save, const char *filterId, const char *filterDefault, const char *titleId,
+                const char *titleDefault, uint32_t flags, const char *defaultExtension, char *path);
+
 /* The name of a lexicon file as the lists keep it: the part behind the
  * last '/' when the folder is the user lexicon folder (without regard to
  * case), else the whole path. */

@@ -251,19 +251,10 @@ static void selectFileItem(HWND dialog, intptr_t item)
 
 static void addFile(HWND dialog)
 {
-    char filter[FilterSize];
-    char title[LabelSize];
     char path[PathSize] = "";
-    loadFileFilter("LexFileFilterStr",
-                   "Dictionary files (*.tlx)|*.tlx|External dictionaries (*.dic)|*.dic|Text files (*.txt)|*.txt|"
-                   "All files (*.*)|*.*|",
-                   filter);
-    Profile_GetText("OpenLexFileStr", "Add Dictionary File", title, sizeof title);
-    OPENFILENAMEA request = {dialog, filter, 1, path, sizeof path, userLexPath, title,
-                             ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST |
-                                 ORTO_OFN_FILEMUSTEXIST,
-                             "tlx"};
-    if (!GetOpenFileNameA(&request))
+    if (!askForFile(dialog, false, "LexFileFilterStr", lexFileFilterDefault, "OpenLexFileStr", "Add Dictionary File",
+                    ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST | ORTO_OFN_FILEMUSTEXIST,
+                    "tlx", path))
         return;
     char name[PathSize];
     userLexName(path, name, sizeof name);

@@ -28,8 +28,6 @@
 
 enum { ImportWordSize = 81, TempNameTries = 100 };
 
-static const char importFilterDefault[] = "Text files (*.txt)|*.txt|All files (*.*)|*.*|";
-
 int readImportWord(FILE *file, char *word, int size)
 {
     int c;
@@ -54,23 +52,6 @@ int readImportWord(FILE *file, char *word, int size)
     return length;
 }
 
-static bool askForFile(HWND dialog, bool save, char *path)
-{
-    char filter[FilterSize];
-    char title[LabelSize];
-    loadFileFilter("ImportFileFilterStr", importFilterDefault, filter);
-    if (save)
-        Profile_GetText("ExportFileStr", "Export Dictionary", title, sizeof title);
-    else
-        Profile_GetText("ImportFileStr", "Import Dictionary", title, sizeof title);
-    uint32_t flags = save ? ORTO_OFN_OVERWRITEPROMPT | ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR |
-                                ORTO_OFN_PATHMUSTEXIST
-                          : ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST |
-                                ORTO_OFN_FILEMUSTEXIST;
-    OPENFILENAMEA request = {dialog, filter, 1, path, PathSize, userLexPath, title, flags, "txt"};
-    return save ? GetSaveFileNameA(&request) != 0 : GetOpenFileNameA(&request) != 0;
-}
-
 static void cantOpen(HWND dialog, const char *path)
 {
     dialogMessage(dialog, "ErrorOpeningFileStr", "Can't open %s", "EditLexiconStr", "Edit dictionary", path, nullptr);
@@ -79,7 +60,10 @@ static void cantOpen(HWND dialog, const char *path)
 void importWords(HWND dialog, i16 lexId)
 {
     char path[PathSize] = "";
-    if (!askForFile(dialog, false, path)) {
+    if (!askForFile(dialog, false, "ImportFileFilterStr", importFileFilterDefault, "ImportFileStr",
+                    "Import Dictionary",
+                    ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST | ORTO_OFN_FILEMUSTEXIST,
+                    "txt", path)) {
         updateLexControls(dialog);
         return;
     }
@@ -157,7 +141,10 @@ static bool writeListing(int handle, i16 lexId)
 void exportWords(HWND dialog, i16 lexId)
 {
     char path[PathSize] = "";
-    if (!askForFile(dialog, true, path))
+    if (!askForFile(dialog, true, "ImportFileFilterStr", importFileFilterDefault, "ExportFileStr",
+                    "Export Dictionary",
+                    ORTO_OFN_OVERWRITEPROMPT | ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST,
+                    "txt", path))
         return;
     char temp[PathSize + 32];
     int handle = createExportFile(path, temp, sizeof temp);

@@ -55,18 +55,9 @@ static void acceptNewLex(HWND dialog)
 
 static void browseForNewLex(HWND dialog)
 {
-    char filter[FilterSize];
-    char title[LabelSize];
-    loadFileFilter("LexFileFilterStr",
-                   "Dictionary files (*.tlx)|*.tlx|External dictionaries (*.dic)|*.dic|Text files (*.txt)|*.txt|"
-                   "All files (*.*)|*.*|",
-                   filter);
-    Profile_GetText("NewLexFileStr", "Create Dictionary File", title, sizeof title);
-    OPENFILENAMEA request = {dialog, filter, 1, newLexName, sizeof newLexName, userLexPath, title,
-                             ORTO_OFN_OVERWRITEPROMPT | ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR |
-                                 ORTO_OFN_PATHMUSTEXIST,
-                             "tlx"};
-    if (!GetSaveFileNameA(&request))
+    if (!askForFile(dialog, true, "LexFileFilterStr", lexFileFilterDefault, "NewLexFileStr", "Create Dictionary File",
+                    ORTO_OFN_OVERWRITEPROMPT | ORTO_OFN_HIDEREADONLY | ORTO_OFN_NOCHANGEDIR | ORTO_OFN_PATHMUSTEXIST,
+                    "tlx", newLexName))
         return;
     char name[PathSize];
     userLexName(newLexName, name, sizeof name);

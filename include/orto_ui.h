@@ -6,8 +6,11 @@
  * built from templates written in resource-script text, the language of the
  * library's own four templates, so that a host can replace any of them by
  * one with the same control ids.  A template's dialog units become screen
- * cells: x/4 columns and y/8 rows, rounded to the nearest cell, at least one
- * for a non-empty size.  A dialog's window is its client area with one
+ * cells: x/4 columns and y/8 rows, rounded to the nearest cell (halves
+ * down), at least one for a non-empty size.  A control's edges are
+ * rounded, so neighbours stay neighbours; a control of one line (a label,
+ * a field, a button, a check box, a drop-down combo box) is one row high,
+ * on the row of its middle.  A dialog's window is its client area with one
  * column of frame on each side and one row of caption on top.
  *
  * Windows and messages keep the names and numbers of the system this design

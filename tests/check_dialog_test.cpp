@@ -303,9 +303,9 @@ TEST(CheckPlacement, LockedOriginFullAreaAndNearTheRightEdge)
         bool lockShown;
     } cases[] = {
         {{0, 0, 80, 3}, true, {10, 20}, true},   /* wherever the control is */
-        {{0, 0, 80, 24}, false, {11, 9}, false}, /* all places fail: the bottom right corner */
-        {{70, 0, 10, 3}, false, {11, 3}, false}, /* below, pulled left to xMax */
-        {{0, 12, 80, 12}, false, {11, 0}, false}, /* no room around: the corner covering least */
+        {{0, 0, 80, 24}, false, {12, 9}, false}, /* all places fail: the bottom right corner */
+        {{70, 0, 10, 3}, false, {12, 3}, false}, /* below, pulled left to xMax */
+        {{0, 12, 80, 12}, false, {12, 0}, false}, /* no room around: the corner covering least */
     };
     for (const auto &c : cases) {
         if (c.origin)

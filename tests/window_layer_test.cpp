@@ -191,8 +191,8 @@ TEST(TemplateReader, StylesDefinesAndUnits)
 
     struct {
         int units, columns, rows, columnSize, rowSize;
-    } units[] = {{0, 0, 0, 0, 0}, {1, 0, 0, 1, 1}, {2, 1, 0, 1, 1}, {4, 1, 1, 1, 1},
-                 {6, 2, 1, 2, 1}, {12, 3, 2, 3, 2}, {266, 67, 33, 67, 33}, {-2, -1, 0, -1, 0}};
+    } units[] = {{0, 0, 0, 0, 0}, {1, 0, 0, 1, 1}, {2, 0, 0, 1, 1}, {4, 1, 0, 1, 1},
+                 {6, 1, 1, 1, 1}, {12, 3, 1, 3, 1}, {266, 66, 33, 66, 33}, {-2, -1, 0, -1, 0}};
     for (const auto &u : units) {
         EXPECT_EQ(unitsToColumns(u.units, 0), u.columns) << u.units;
         EXPECT_EQ(unitsToRows(u.units, 0), u.rows) << u.units;
@@ -282,10 +282,10 @@ TEST_F(DialogBoxTest, ScriptedUserWorksEveryControlKind)
         [&](ORTO_HWND d) {
             seen = d;
             int32_t r[4];
-            ORTO_GetWindowRect(d, r); /* (8, 16) units; 50 x 13 cells of client, frame and caption */
-            EXPECT_EQ((std::vector<int32_t>{r[0], r[1], r[2], r[3]}), (std::vector<int32_t>{2, 2, 54, 16}));
+            ORTO_GetWindowRect(d, r); /* (8, 16) units; 50 x 12 cells of client, frame and caption */
+            EXPECT_EQ((std::vector<int32_t>{r[0], r[1], r[2], r[3]}), (std::vector<int32_t>{2, 2, 54, 15}));
             ORTO_GetWindowRect(ORTO_GetDlgItem(d, 11), r);
-            EXPECT_EQ((std::vector<int32_t>{r[0], r[1], r[2], r[3]}), (std::vector<int32_t>{13, 3, 33, 5}));
+            EXPECT_EQ((std::vector<int32_t>{r[0], r[1], r[2], r[3]}), (std::vector<int32_t>{13, 3, 33, 4}));
             char name[16];
             ORTO_GetClassName(ORTO_GetDlgItem(d, 19), name, sizeof name);
             EXPECT_STREQ(name, "RichEdit20A");

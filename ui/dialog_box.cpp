@@ -58,6 +58,45 @@ static void placeFromTemplate(Window *d, const DialogTemplate *t, HWND owner)
         d->y = area.top;
 }
 
+/* True for a control of one line of text: a label, a field, a button, a
+ * check box, a drop-down combo box (its list drops over the rest). */
+static bool isOneLine(const ControlTemplate &c)
+{
+    switch (c.kind) {
+    case KindListBox:
+        return false;
+    case KindEdit:
+        return !(c.style & ES_MULTILINE);
+    case KindComboBox:
+        return (c.style & CBS_TYPEMASK) != CBS_SIMPLE;
+    case KindButton:
+        return (c.style & BS_TYPEMASK) != BS_GROUPBOX;
+    default:
+        return c.cy <= 16;
+    }
+}
+
+/* A control's cells: its edges are rounded, so neighbours stay neighbours;
+ * a control of one line stands on the row of its middle, so a label and
+ * the field beside it share a row, as they share a middle in the template
+ * (a drop-down combo box's middle is that of its field, 12 units high). */
+static void placeControl(Window *w, const ControlTemplate &c)
+{
+    int32_t left = unitsToColumns(c.x, 0), right = unitsToColumns(c.x + c.cx, 0);
+    w->x = left;
+    w->width = c.cx > 0 && right - left < 1 ? 1 : right - left;
+    if (isOneLine(c)) {
+        int32_t lineHeight = c.kind == KindComboBox ? 12 : c.cy;
+        int32_t middle = 2 * c.y + lineHeight; /* twice the middle, in units */
+        w->y = middle >= 0 ? middle / 16 : -((-middle + 15) / 16);
+        w->height = 1;
+    } else {
+        int32_t top = unitsToRows(c.y, 0), bottom = unitsToRows(c.y + c.cy, 0);
+        w->y = top;
+        w->height = c.cy > 0 && bottom - top < 1 ? 1 : bottom - top;
+    }
+}
+
 static HWND createDialog(const DialogTemplate *t, HWND owner, DLGPROC proc)
 {
     HWND h = createWindow(KindDialog, "#32770", owner);
@@ -88,10 +127,7 @@ static HWND createDialog(const DialogTemplate *t, HWND owner, DLGPROC proc)
         cw->style = c.style;
         if (c.kind != KindListBox && c.kind != KindComboBox && c.kind != KindEdit)
             cw->text = c.text;
-        cw->x = unitsToColumns(c.x, 0);
-        cw->y = unitsToRows(c.y, 0);
-        cw->width = unitsToColumns(c.cx, 1);
-        cw->height = unitsToRows(c.cy, 1);
+        placeControl(cw, c);
         cw->font = d->font;
         d->children.push_back(ch);
     }
@@ -184,6 +220,8 @@ intptr_t DialogBoxParamA(HINSTANCE module, const char *templateName, HWND parent
     intptr_t result = d ? d->result : -1;
     dialogStack.pop_back();
     destroyWindow(dialog);
+    if (dialogStack.empty())
+        frontEndIdle();
     return result;
 }
 

@@ -409,6 +409,15 @@ static void parseControl(Parser *ps, DialogTemplate *dialog)
     dialog->controls.push_back(c);
 }
 
+/* LANGUAGE primary, sub: read and passed over. */
+static void skipLanguage(Parser *ps)
+{
+    nextToken(ps);
+    parseNumber(ps);
+    expectComma(ps);
+    parseNumber(ps);
+}
+
 static void parseDialog(Parser *ps, std::vector<DialogTemplate> *out)
 {
     DialogTemplate d{};
@@ -460,10 +469,7 @@ static void parseDialog(Parser *ps, std::vector<DialogTemplate> *out)
                 parseNumber(ps);
             }
         } else if (isName(ps, "LANGUAGE")) {
-            nextToken(ps);
-            parseNumber(ps);
-            expectComma(ps);
-            parseNumber(ps);
+            skipLanguage(ps);
         } else if (isName(ps, "MENU") || isName(ps, "CLASS")) {
             nextToken(ps);
             nextToken(ps);
@@ -501,10 +507,7 @@ int parseTemplates(const char *script, std::vector<DialogTemplate> *out, char *e
     nextToken(&ps);
     while (!ps.failed && ps.token.kind != TokEnd) {
         if (isName(&ps, "LANGUAGE")) {
-            nextToken(&ps);
-            parseNumber(&ps);
-            expectComma(&ps);
-            parseNumber(&ps);
+            skipLanguage(&ps);
         } else if (ps.token.kind == TokName || ps.token.kind == TokNumber || ps.token.kind == TokString) {
             parseDialog(&ps, out);
         } else {
@@ -514,11 +517,11 @@ int parseTemplates(const char *script, std::vector<DialogTemplate> *out, char *e
     return ps.failed ? -1 : 0;
 }
 
-/* Halves go away from zero: 2 units are one column, 6 are two. */
+/* To the nearest cell, halves down: 2 units are no column, 6 are one. */
 static int32_t scaleUnits(int32_t units, int32_t per, int isSize)
 {
     int64_t u = units;
-    int32_t cells = (int32_t)(u >= 0 ? (2 * u + per) / (2 * per) : -((-2 * u + per) / (2 * per)));
+    int32_t cells = (int32_t)(u >= 0 ? (2 * u + per - 1) / (2 * per) : -((-2 * u + per) / (2 * per)));
     if (isSize && units > 0 && cells < 1)
         cells = 1;
     return cells;

@@ -219,6 +219,8 @@ int32_t unitsToRows(int32_t units, int isSize);
 
 /* ---- The front end and the system's services ---- */
 const ORTO_FrontEnd *currentFrontEnd(void);
+/* Called when the outermost dialog has ended. */
+void frontEndIdle(void);
 
 enum { MB_OK = 0 };
 int32_t MessageBoxA(HWND owner, const char *text, const char *title, uint32_t type);

@@ -88,3 +88,12 @@ void DebugCapture::clear() const
 {
     writeFile(path, "");
 }
+
+/* No test meets a person: a test run from a terminal would otherwise get
+ * the terminal front end.  Tests that want a user install their own. */
+#include "orto_ui.h"
+static const bool noUserForTests = [] {
+    static const ORTO_FrontEnd none = {};
+    ORTO_SetFrontEnd(&none);
+    return true;
+}();

@@ -1,0 +1,406 @@
+/*
+ * term_draw.cpp -- the screen drawn from the window records: the document
+ * panes (a host's own text controls) at the back, then each running
+ * dialog, the innermost on top, each control in its rectangle.
+ *
+ * A dialog's colour requests are sent to it as it is drawn, as the system
+ * sends them; a brush of the button-face colour is the dialog face.  The
+ * weight of a control's font shows: bold above 600, normal below.
+ */
+#define NCURSES_WIDECHAR 1
+#include <ncursesw/curses.h>
+
+#include <string.h>
+
+#include <vector>
+
+#include "ui/term.h"
+
+RECT screenRect(Window *w)
+{
+    RECT r;
+    GetWindowRect(w->handle, &r);
+    return r;
+}
+
+bool takesFocus(Window *w)
+{
+    if (!(w->style & WS_VISIBLE) || (w->style & WS_DISABLED))
+        return false;
+    if (w->kind == KindStatic)
+        return false;
+    if (w->kind == KindButton && (w->style & BS_TYPEMASK) == BS_GROUPBOX)
+        return false;
+    return true;
+}
+
+static bool isGroupBox(Window *w)
+{
+    return w->kind == KindButton && (w->style & BS_TYPEMASK) == BS_GROUPBOX;
+}
+
+bool editsText(Window *w)
+{
+    if (w->kind == KindEdit)
+        return !(w->style & ES_READONLY);
+    return w->kind == KindComboBox && (w->style & CBS_TYPEMASK) != CBS_DROPDOWNLIST;
+}
+
+static void fill(int top, int left, int height, int width)
+{
+    for (int y = top; y < top + height; y++)
+        if (y >= 0 && y < term.rows)
+            for (int x = left; x < left + width; x++)
+                if (x >= 0 && x < term.cols)
+                    mvaddch(y, x, ' ');
+}
+
+void frame(int top, int left, int height, int width)
+{
+    if (height < 2 || width < 2)
+        return;
+    mvhline(top, left + 1, ACS_HLINE, width - 2);
+    mvhline(top + height - 1, left + 1, ACS_HLINE, width - 2);
+    mvvline(top + 1, left, ACS_VLINE, height - 2);
+    mvvline(top + 1, left + width - 1, ACS_VLINE, height - 2);
+    mvaddch(top, left, ACS_ULCORNER);
+    mvaddch(top, left + width - 1, ACS_URCORNER);
+    mvaddch(top + height - 1, left, ACS_LLCORNER);
+    mvaddch(top + height - 1, left + width - 1, ACS_LRCORNER);
+}
+
+/* Lines of a text as a pane shows them: cut at line ends and at the
+ * width.  Each entry is the position where a shown line starts. */
+static void paneLines(const std::string &text, int width, std::vector<uint32_t> *starts)
+{
+    starts->clear();
+    starts->push_back(0);
+    int column = 0;
+    for (uint32_t i = 0; i < text.size(); i++) {
+        char c = text[i];
+        if (c == '\n' || (c == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n'))) {
+            starts->push_back(i + 1);
+            column = 0;
+        } else if (c != '\r' && ++column >= width && i + 1 < text.size() && text[i + 1] != '\n' &&
+                   text[i + 1] != '\r') {
+            starts->push_back(i + 1);
+            column = 0;
+        }
+    }
+}
+
+/* A multi-line text: the selection on show and marked. */
+static void drawPane(Window *w, RECT r, bool framed)
+{
+    int top = r.top, left = r.left, height = r.bottom - r.top, width = r.right - r.left;
+    if (framed && height > 2 && width > 2) {
+        frame(top, left, height, width);
+        top++;
+        left++;
+        height -= 2;
+        width -= 2;
+    }
+    if (height <= 0 || width <= 0)
+        return;
+    std::vector<uint32_t> starts;
+    paneLines(w->text, width, &starts);
+    uint32_t line = 0;
+    while (line + 1 < starts.size() && starts[line + 1] <= w->selStart)
+        line++;
+    /* the selection a third of the way down, as an editor shows a find */
+    uint32_t first = line > (uint32_t)height / 3 ? line - (uint32_t)height / 3 : 0;
+    if (first + (uint32_t)height > starts.size())
+        first = starts.size() > (uint32_t)height ? (uint32_t)(starts.size() - (size_t)height) : 0;
+    term.scroll[w->handle] = first;
+    for (int row = 0; row < height; row++) {
+        size_t k = first + (size_t)row;
+        if (k >= starts.size())
+            break;
+        uint32_t from = starts[k], to = k + 1 < starts.size() ? starts[k + 1] : (uint32_t)w->text.size();
+        for (uint32_t i = from, col = 0; i < to && col < (uint32_t)width; i++) {
+            char c = w->text[i];
+            if (c == '\n' || c == '\r')
+                continue;
+            bool selected = i >= w->selStart && i < w->selEnd;
+            if (selected)
+                attron(COLOR_PAIR(PairSelected) | A_REVERSE);
+            putText(top + row, left + (int)col, std::string(1, c == '\t' ? ' ' : c), 1);
+            if (selected)
+                attroff(COLOR_PAIR(PairSelected) | A_REVERSE);
+            col++;
+        }
+    }
+}
+
+/* How far a label may run: to the dialog's inside edge, unless another
+ * control begins on its row before that.  A cell grid is coarser than the
+ * proportional text the templates were laid out for, so a label uses the
+ * room beside it rather than being cut. */
+static int labelRoom(Window *d, Window *w, RECT r)
+{
+    RECT dr = screenRect(d);
+    int limit = dr.right - 1;
+    for (HWND h : d->children) {
+        Window *c = windowOf(h);
+        if (!c || c == w || !(c->style & WS_VISIBLE) || isGroupBox(c))
+            continue;
+        RECT cr = screenRect(c);
+        if (cr.left >= r.right && cr.left < limit && cr.top <= r.top && cr.bottom > r.top)
+            limit = cr.left - 1;
+    }
+    return limit - r.left > r.right - r.left ? limit - r.left : r.right - r.left;
+}
+
+/* Text cut to `width` cells, the cut shown by an ellipsis. */
+static void putFitted(int y, int x, const std::string &text, int width, int underline)
+{
+    if ((int)text.size() <= width || width < 2) {
+        putText(y, x, text, width, underline);
+        return;
+    }
+    putText(y, x, text, width - 1, underline < width - 1 ? underline : -1);
+    mvaddwstr(y, x + width - 1, L"\u2026");
+}
+
+static void drawLabel(Window *w, RECT r, int widthLimit = -1)
+{
+    char mnemonic;
+    int at;
+    std::string label = labelWithoutMarks(w->text, &mnemonic, &at);
+    int width = widthLimit >= 0 ? widthLimit : r.right - r.left;
+    int x = r.left;
+    if (w->kind == KindStatic && (w->style & 3) == SS_RIGHT && (int)label.size() < width)
+        x += width - (int)label.size();
+    else if (w->kind == KindStatic && (w->style & 3) == SS_CENTER && (int)label.size() < width)
+        x += (width - (int)label.size()) / 2;
+    putFitted(r.top, x, label, width, at);
+}
+
+/* A one-line field, scrolled so that the caret shows. */
+static void drawField(Window *w, int y, int x, int width, bool focused)
+{
+    attron(COLOR_PAIR(PairField));
+    fill(y, x, 1, width);
+    uint32_t caret = term.caret.count(w->handle) ? term.caret[w->handle] : (uint32_t)w->text.size();
+    if (caret > w->text.size())
+        caret = (uint32_t)w->text.size();
+    uint32_t &first = term.scroll[w->handle];
+    if (caret < first)
+        first = caret;
+    if (width > 0 && caret >= first + (uint32_t)width)
+        first = caret - (uint32_t)width + 1;
+    if (first > w->text.size())
+        first = 0;
+    putText(y, x, w->text.substr(first), width);
+    attroff(COLOR_PAIR(PairField));
+    if (focused) {
+        move(y, x + (int)(caret - first));
+        curs_set(1);
+    }
+}
+
+static void drawList(Window *w, int y, int x, int height, int width, bool focused)
+{
+    attron(COLOR_PAIR(PairField));
+    fill(y, x, height, width);
+    int count = (int)w->items.size();
+    if (w->curSel >= 0 && w->curSel < w->topIndex)
+        w->topIndex = w->curSel;
+    if (w->curSel >= 0 && height > 0 && w->curSel >= w->topIndex + height)
+        w->topIndex = w->curSel - height + 1;
+    for (int row = 0; row < height && w->topIndex + row < count; row++) {
+        int index = w->topIndex + row;
+        bool selected = index == w->curSel;
+        if (selected)
+            attron(focused ? A_REVERSE : A_BOLD);
+        putText(y + row, x, w->items[(size_t)index].text, width - (count > height ? 1 : 0));
+        if (selected)
+            attroff(focused ? A_REVERSE : A_BOLD);
+    }
+    if (count > height && height > 0 && width > 1) {
+        int mark = count > 1 ? (w->curSel < 0 ? 0 : w->curSel) * (height - 1) / (count - 1) : 0;
+        for (int row = 0; row < height; row++)
+            mvaddch(y + row, x + width - 1, row == mark ? ACS_CKBOARD : ACS_VLINE);
+    }
+    attroff(COLOR_PAIR(PairField));
+}
+
+/* A push button's face: the label in brackets ("<...>" for the default
+ * button) if they fit, else the label alone, else without a closing
+ * "...", else cut. */
+static std::string buttonFace(const std::string &label, bool isDefault, int width, int *shift)
+{
+    *shift = 1;
+    if ((int)label.size() + 2 <= width)
+        return (isDefault ? "<" : "[") + label + (isDefault ? ">" : "]");
+    *shift = 0;
+    if ((int)label.size() > width && label.size() > 3 && label.compare(label.size() - 3, 3, "...") == 0)
+        return label.substr(0, label.size() - 3);
+    return label;
+}
+
+static void drawButton(Window *d, Window *w, RECT r, bool focused)
+{
+    uint32_t type = w->style & BS_TYPEMASK;
+    char mnemonic;
+    int at;
+    std::string label = labelWithoutMarks(w->text, &mnemonic, &at);
+    if (type == BS_GROUPBOX) {
+        frame(r.top, r.left, r.bottom - r.top, r.right - r.left);
+        if (!label.empty())
+            putText(r.top, r.left + 1, " " + label + " ", r.right - r.left - 2, at >= 0 ? at + 1 : -1);
+        return;
+    }
+    if (type == BS_AUTOCHECKBOX || type == BS_CHECKBOX || type == BS_3STATE || type == BS_AUTO3STATE ||
+        type == BS_AUTORADIOBUTTON || type == BS_RADIOBUTTON) {
+        bool radio = type == BS_AUTORADIOBUTTON || type == BS_RADIOBUTTON;
+        const wchar_t *mark = radio ? (w->check ? L"\u25C9" : L"\u25CB")
+                                    : (w->check == 1 ? L"\u2612" : w->check == 2 ? L"\u25A3" : L"\u2610");
+        if (focused)
+            attron(A_REVERSE);
+        mvaddwstr(r.top, r.left, mark);
+        if (focused)
+            attroff(A_REVERSE);
+        putFitted(r.top, r.left + 2, label, labelRoom(d, w, r) - 2, at);
+        return;
+    }
+    bool isDefault = type == BS_DEFPUSHBUTTON;
+    int width = r.right - r.left, shift = 1;
+    std::string shown = buttonFace(label, isDefault, width, &shift);
+    int x = r.left + (width > (int)shown.size() ? (width - (int)shown.size()) / 2 : 0);
+    if (focused)
+        attron(A_REVERSE);
+    putText(r.top, x, shown, width, at >= 0 && at + shift < (int)shown.size() ? at + shift : -1);
+    if (focused)
+        attroff(A_REVERSE);
+}
+
+static void drawControl(Window *d, Window *w, std::vector<Window *> *droppedLists)
+{
+    if (!(w->style & WS_VISIBLE))
+        return;
+    RECT r = screenRect(w);
+    bool focused = d->focus == w->handle && runningDialogs().back() == d->handle;
+    bool disabled = (w->style & WS_DISABLED) != 0;
+    attr_t weight = fontWeightOf(w->handle) >= 600 ? A_BOLD : A_NORMAL;
+    attron(COLOR_PAIR(disabled ? PairDisabled : PairDialog) | weight | (disabled ? A_DIM : 0));
+    switch (w->kind) {
+    case KindStatic:
+        drawLabel(w, r, (w->style & 3) == SS_LEFT ? labelRoom(d, w, r) : -1);
+        break;
+    case KindButton:
+        drawButton(d, w, r, focused);
+        break;
+    case KindEdit:
+        if (w->style & ES_MULTILINE) {
+            attron(COLOR_PAIR(PairField));
+            fill(r.top, r.left, r.bottom - r.top, r.right - r.left);
+            drawPane(w, r, false);
+            attroff(COLOR_PAIR(PairField));
+        } else {
+            drawField(w, r.top, r.left, r.right - r.left, focused);
+        }
+        break;
+    case KindListBox:
+        drawList(w, r.top, r.left, r.bottom - r.top, r.right - r.left, focused);
+        break;
+    case KindComboBox: {
+        int width = r.right - r.left;
+        bool simple = (w->style & CBS_TYPEMASK) == CBS_SIMPLE;
+        if ((w->style & CBS_TYPEMASK) == CBS_DROPDOWNLIST) {
+            attron(COLOR_PAIR(PairField) | (focused ? A_REVERSE : 0));
+            fill(r.top, r.left, 1, width - 1);
+            putText(r.top, r.left, w->text, width - 1);
+            attroff(COLOR_PAIR(PairField) | A_REVERSE);
+        } else {
+            drawField(w, r.top, r.left, simple ? width : width - 1, focused);
+        }
+        if (!simple)
+            mvaddch(r.top, r.left + width - 1, ACS_DARROW);
+        if (simple)
+            drawList(w, r.top + 1, r.left, r.bottom - r.top - 1, width, false);
+        else if (w->dropped && focused)
+            droppedLists->push_back(w);
+        break;
+    }
+    default:
+        break;
+    }
+    attroff(COLOR_PAIR(disabled ? PairDisabled : PairDialog) | weight | A_DIM);
+}
+
+static void drawDialog(HWND dialog)
+{
+    Window *d = windowOf(dialog);
+    if (!d)
+        return;
+    /* the colour request of the dialog, as the system makes it */
+    HDC dc = createDeviceContext();
+    SendMessageA(dialog, ORTO_WM_CTLCOLORDLG, (uintptr_t)dc, (intptr_t)dialog);
+    DeleteObject(dc);
+    RECT r = screenRect(d);
+    attron(COLOR_PAIR(PairDialog));
+    fill(r.top, r.left, r.bottom - r.top, r.right - r.left);
+    frame(r.top, r.left, r.bottom - r.top, r.right - r.left);
+    std::string title = " " + d->text + " ";
+    int width = r.right - r.left;
+    attron(A_BOLD);
+    putText(r.top, r.left + (width > (int)title.size() ? (width - (int)title.size()) / 2 : 1), title, width - 2);
+    attroff(A_BOLD);
+    attroff(COLOR_PAIR(PairDialog));
+    std::vector<Window *> dropped;
+    for (HWND child : d->children)
+        if (Window *c = windowOf(child))
+            drawControl(d, c, &dropped);
+    for (Window *w : dropped) { /* an open drop-down list lies over the rest */
+        RECT c = screenRect(w);
+        int height = (int)w->items.size() < 8 ? (int)w->items.size() : 8;
+        drawList(w, c.top + 1, c.left, height, c.right - c.left, true);
+    }
+}
+
+void drawScreen(HWND top)
+{
+    (void)top;
+    curs_set(0);
+    attrset(COLOR_PAIR(PairDocument));
+    erase();
+    std::vector<HWND> panes;
+    listTopLevelWindows(&panes);
+    for (HWND p : panes) {
+        Window *w = windowOf(p);
+        if (!w || w->kind != KindEdit || !(w->style & WS_VISIBLE))
+            continue;
+        RECT r = screenRect(w);
+        if (r.right <= r.left || r.bottom <= r.top)
+            SetRect(&r, 0, 0, term.cols, term.rows);
+        attrset(COLOR_PAIR(PairDocument));
+        drawPane(w, r, false);
+    }
+    for (HWND dialog : runningDialogs())
+        drawDialog(dialog);
+    if (!runningDialogs().empty()) {
+        Window *d = windowOf(runningDialogs().back());
+        Window *f = d ? windowOf(d->focus) : nullptr;
+        if (f && editsText(f)) { /* the caret stands in the focused field: draw it last */
+            RECT r = screenRect(f);
+            uint32_t caret = term.caret.count(f->handle) ? term.caret[f->handle] : (uint32_t)f->text.size();
+            uint32_t first = term.scroll[f->handle];
+            if (caret >= first)
+                move(r.top, r.left + (int)(caret - first));
+            curs_set(1);
+        }
+    }
+    attrset(A_NORMAL);
+}
+
+void drawWaitNotice(void)
+{
+    if (!term.active)
+        return;
+    const char notice[] = " Working... ";
+    attrset(COLOR_PAIR(PairTitle) | A_BOLD);
+    putText(term.rows - 1, term.cols - (int)sizeof notice, notice, (int)sizeof notice - 1);
+    attrset(A_NORMAL);
+    refresh();
+}

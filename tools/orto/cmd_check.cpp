@@ -15,6 +15,7 @@
  * Cancel ends the whole run: the files after it are not checked.
  */
 #include <string.h>
+#include <sys/ioctl.h>
 
 #include "orto_ui.h"
 #include "dialog_setup.h"
@@ -45,6 +46,25 @@ void printCheckHelp(FILE *out)
     printDialogOptionsHelp(out, true);
 }
 
+/* Rows that the Check Spelling dialog takes in the terminal without its
+ * context pane, and the fewest rows the document gets. */
+enum { CheckDialogRows = 15, MinDocumentRows = 3 };
+
+/* The document takes the top of the screen, all the rows the dialog leaves
+ * free, so that the dialog's placement puts it below the text and the
+ * word under check stays in sight. */
+static void placeDocument(ORTO_HWND control)
+{
+    struct winsize size;
+    int rows = 24, columns = 80;
+    if (ioctl(1, TIOCGWINSZ, &size) == 0 && size.ws_row > 0 && size.ws_col > 0) {
+        rows = size.ws_row;
+        columns = size.ws_col;
+    }
+    int height = rows - CheckDialogRows;
+    ORTO_MoveWindow(control, 0, 0, columns, height < MinDocumentRows ? MinDocumentRows : height);
+}
+
 /* Runs the dialog over `text` (engine text) in a text control; `text`
  * becomes the control's text afterwards.  Returns the dialog's result. */
 static int16_t checkInControl(std::string *text)
@@ -52,6 +72,7 @@ static int16_t checkInControl(std::string *text)
     ORTO_HWND control = ORTO_CreateTextControl("EDIT", text->c_str());
     if (!control)
         return ORTO_OutOfMemory;
+    placeDocument(control);
     int16_t rc = ORTO_CheckCtrlDlg(nullptr, control, 0);
     intptr_t length = ORTO_SendMessage(control, ORTO_WM_GETTEXTLENGTH, 0, 0);
     std::vector<char> after((size_t)length + 1, '\0');

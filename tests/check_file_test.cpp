@@ -215,6 +215,19 @@ TEST(CheckFile, AFileChangedDuringTheCheckIsNotOverwritten)
     EXPECT_NE(err.find("the checked text is in " + copy), std::string::npos) << err;
 }
 
+/* A symbolic link stays a link: the file it names gets the text. */
+TEST(CheckFile, ALinkStaysALink)
+{
+    CheckFileFixture f;
+    writeFile(f.doc("real.txt"), "the wrld");
+    ASSERT_EQ(symlink("real.txt", f.doc("link.txt").c_str()), 0);
+    f.changeFirstTo("world");
+    EXPECT_EQ(checkFiles({f.doc("link.txt")}, EncodingUtf8), ExitOk);
+    char target[64] = {};
+    EXPECT_EQ(readlink(f.doc("link.txt").c_str(), target, sizeof target - 1), 8);
+    EXPECT_EQ(readFile(f.doc("real.txt")), "the world");
+}
+
 /* Cancel keeps the changes made until then and ends the run. */
 TEST(CheckFile, CancelSavesTheChangesAndStopsTheRun)
 {

@@ -289,10 +289,23 @@ TEST(CheckFile, TheFirstRunFillsInTheSettingsOfOrtoList)
     EXPECT_EQ(key("Language", ProfileUser), "25202");
     EXPECT_EQ(key("UserLexFiles", ProfileUser), "mine.tlx");
     EXPECT_EQ(key("HelpFile", ProfileMachine), std::string(resolved) + "/orto.hlp"); /* that one is gone */
-    options.lexicon = "no-such";
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(prepareStore(options), ExitFailure);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("no lexicon 'no-such'"), std::string::npos);
+
+    /* refused: no such lexicon, a Linux word list, a store that can't be written */
+    writeFile(store.dir.file("words.txt"), "one\ntwo\n");
+    const std::pair<std::string, const char *> refused[] = {
+        {"no-such", "no lexicon 'no-such'"},
+        {store.dir.file("words.txt"), "the dialogs take compressed lexicons and text lexicons"},
+        {"en-US", "the settings file can't be written"},
+    };
+    for (const auto &r : refused) {
+        options.lexicon = r.first;
+        if (r.first == "en-US")
+            options.ini = store.dir.path; /* a folder */
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(prepareStore(options), ExitFailure);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find(r.second), std::string::npos) << r.second;
+    }
+    ORTO_SetIniFile(store.ini.c_str());
     EXPECT_EQ(key("MainLexFiles", ProfileMachine), "en-GB.clx");
 }
 

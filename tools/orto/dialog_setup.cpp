@@ -176,6 +176,15 @@ static bool findMainLexicon(const std::string &name, std::string *path, uint16_t
         printError("lexicon path too long for the settings: %s", path->c_str());
         return false;
     }
+    /* the dialogs open lexicons by the engine alone, which would take a
+     * Linux word list for a few long lines */
+    bool utf8;
+    LexFileShape shape = lexFileShape(*path, &utf8);
+    if (shape == ShapeUnixText || shape == ShapeBinary) {
+        printError("%s: the dialogs take compressed lexicons and text lexicons with CR LF lines in "
+                   "Windows Latin-1 only (make one with 'orto compress')", path->c_str());
+        return false;
+    }
     int16_t sid = ORTO_OpenSession();
     int16_t lex = sid < 0 ? sid : ORTO_OpenLex(sid, resolved, 0);
     if (lex >= 0)
@@ -240,6 +249,11 @@ int prepareStore(const DialogOptions &options)
             return ExitFailure;
         ORTO_SetMainLexPath(dirName(path).c_str());
         ORTO_SetMainLexFiles(baseName(path).c_str());
+        ORTO_GetMainLexFiles(list, sizeof list);
+        if (baseName(path) != list) {
+            printError("the settings file can't be written; name another with --ini FILE");
+            return ExitFailure;
+        }
         ORTO_GetUserLexFiles(list, sizeof list);
         if (firstRun && list[0] == 0)
             setPersonalLexicon(language);

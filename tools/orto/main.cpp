@@ -27,6 +27,7 @@ static void printUsage(FILE *out)
           "  check FILE...        check files in the Check Spelling dialog (a terminal)\n"
           "  dictionaries         the Dictionaries dialog: the user lexicons\n"
           "  options              the Options dialog: the settings of the check\n"
+          "  lsp                  a language server for editors (LSP, on stdio)\n"
           "  help [COMMAND]       show this help, or the help of a command\n"
           "\n"
           "Options:\n"
@@ -60,6 +61,7 @@ static const Command Commands[] = {
     {"check", runCheck, printCheckHelp},
     {"dictionaries", runDictionaries, printDictionariesHelp},
     {"options", runOptions, printOptionsHelp},
+    {"lsp", runLsp, printLspHelp},
 };
 
 static const Command *findCommand(const char *name)

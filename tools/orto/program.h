@@ -137,6 +137,8 @@ int runOptions(int argc, char **argv, int first);
  * its terminal test, for tests with a scripted user. */
 int checkFiles(const std::vector<std::string> &paths, TextEncoding encoding);
 
+int runLsp(int argc, char **argv, int first);
+
 void printListHelp(FILE *out);
 void printSuggestHelp(FILE *out);
 void printPipeHelp(FILE *out);
@@ -145,6 +147,7 @@ void printLexHelp(FILE *out);
 void printCheckHelp(FILE *out);
 void printDictionariesHelp(FILE *out);
 void printOptionsHelp(FILE *out);
+void printLspHelp(FILE *out);
 void printCheckOptionsHelp(FILE *out);
 
 #endif

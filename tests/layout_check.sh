@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The dependency rule of the source tree, checked on the #include lines:
-# - tools/ uses the exported interface only: orto.h and system headers;
+# - tools/ uses the exported interface only: orto.h, orto_ui.h and system
+#   headers;
 # - only platform/ calls the operating system (POSIX headers);
 # - host/ (settings store, shared session) uses the engine through orto.h
 #   and a few helper headers only, the window layer through ui/window.h,
@@ -17,8 +18,14 @@ report() { echo "layout: $*"; fail=1; }
 while IFS= read -r line; do
   report "tools/ includes an internal header: $line"
 done < <(grep -rn --include='*.cpp' --include='*.h' -E '^#include "' tools/ 2>/dev/null \
-         | grep -v -E '#include "(orto\.h|[a-z_]+\.h)"' )
-# tools may include their own headers by bare name, never a path into the library
+         | grep -v -E '#include "(orto\.h|orto_ui\.h|[a-z_]+\.h)"' )
+# tools may include their own headers by bare name, from their own folder
+while IFS=: read -r file _ include; do
+  name=$(sed -E 's/^#include "([^"]+)".*/\1/' <<<"$include")
+  case $name in orto.h|orto_ui.h) continue ;; esac
+  [ -f "$(dirname "$file")/$name" ] || report "tools/ includes a header not of its folder: $file: $include"
+done < <(grep -rn --include='*.cpp' --include='*.h' -E '^#include "[a-z_]+\.h"' tools/ 2>/dev/null)
+# and never a path into the library
 while IFS= read -r line; do
   report "tools/ includes a library path: $line"
 done < <(grep -rn --include='*.cpp' --include='*.h' -E '^#include "(engine|lexicon|suggest|host|ui|dialogs|platform)/' tools/ 2>/dev/null)

@@ -137,6 +137,39 @@ TEST(LibraryTemplates, MatchTheirTablesControlByControlInTabOrder)
     EXPECT_EQ(row, sizeof controls / sizeof controls[0]);
 }
 
+TEST(LibraryTemplates, NoTwoControlsShareACellOnTheScreen)
+{
+    ScriptFrontEnd user;
+    for (const ExpectedDialog &e : dialogs) {
+        user.then(inspect(
+            [&](ORTO_HWND d) {
+                std::vector<std::pair<int, std::vector<int32_t>>> rects;
+                for (const ExpectedControl &c : controls) {
+                    if (strcmp(c.dialog, e.name) != 0 || c.id < 0 || c.type == BS_GROUPBOX)
+                        continue;
+                    std::vector<int32_t> r(4);
+                    ORTO_GetWindowRect(ORTO_GetDlgItem(d, c.id), r.data());
+                    if (c.id == 1050 && strcmp(e.name, "CheckSpellingDlg") == 0)
+                        continue; /* the context pane, hidden */
+                    for (const auto &other : rects)
+                        EXPECT_FALSE(r[0] < other.second[2] && other.second[0] < r[2] && r[1] < other.second[3] &&
+                                     other.second[1] < r[3])
+                            << e.name << ": " << c.id << " and " << other.first;
+                    rects.push_back({c.id, r});
+                }
+            },
+            closeDialog()));
+        ORTO_DialogBoxParam(nullptr, e.name, nullptr,
+                            [](ORTO_HWND d, uint32_t m, uintptr_t w, intptr_t) -> intptr_t {
+                                if (m == ORTO_WM_COMMAND && (w & 0xFFFF) == 2)
+                                    ORTO_EndDialog(d, 0);
+                                return 1;
+                            },
+                            0);
+    }
+    EXPECT_EQ(user.captions.size(), 4u);
+}
+
 /* ---- The template reader ---- */
 
 TEST(TemplateReader, ErrorsNameTheirLineAndGiveNoModule)

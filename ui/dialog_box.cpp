@@ -79,7 +79,9 @@ static bool isOneLine(const ControlTemplate &c)
 /* A control's cells: its edges are rounded, so neighbours stay neighbours;
  * a control of one line stands on the row of its middle, so a label and
  * the field beside it share a row, as they share a middle in the template
- * (a drop-down combo box's middle is that of its field, 12 units high). */
+ * (a drop-down combo box's middle is that of its field, 12 units high); a
+ * middle on the edge between two rows takes the upper one, so a label
+ * just above a list stays above it. */
 static void placeControl(Window *w, const ControlTemplate &c)
 {
     int32_t left = unitsToColumns(c.x, 0), right = unitsToColumns(c.x + c.cx, 0);
@@ -87,7 +89,7 @@ static void placeControl(Window *w, const ControlTemplate &c)
     w->width = c.cx > 0 && right - left < 1 ? 1 : right - left;
     if (isOneLine(c)) {
         int32_t lineHeight = c.kind == KindComboBox ? 12 : c.cy;
-        int32_t middle = 2 * c.y + lineHeight; /* twice the middle, in units */
+        int32_t middle = 2 * c.y + lineHeight - 1; /* twice the middle, a middle on a row's edge goes up */
         w->y = middle >= 0 ? middle / 16 : -((-middle + 15) / 16);
         w->height = 1;
     } else {

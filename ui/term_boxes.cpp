@@ -73,8 +73,9 @@ void termMessageBox(const char *text, const char *title)
         DebugLog("MessageBoxA: %s: %s", title, text);
         return;
     }
+    int wrapAt = term.cols - 8 > 20 ? term.cols - 8 : 20;
     int width = 20;
-    for (const std::string &line : wrap(text, 60))
+    for (const std::string &line : wrap(text, wrapAt))
         if ((int)line.size() + 6 > width)
             width = (int)line.size() + 6;
     if ((int)strlen(title) + 6 > width)

@@ -96,11 +96,14 @@ static size_t decodeUtf8(const unsigned char *s, size_t n, size_t i, uint32_t *c
     return len;
 }
 
-bool toEngineText(const std::string &in, TextEncoding encoding, std::string *out, size_t *foreign)
+bool toEngineText(const std::string &in, TextEncoding encoding, std::string *out, size_t *foreign,
+                  std::vector<std::string> *kept)
 {
     out->clear();
     if (foreign)
         *foreign = 0;
+    if (kept)
+        kept->clear();
     if (encoding == EncodingLatin1) {
         *out = in;
         return true;
@@ -123,8 +126,14 @@ bool toEngineText(const std::string &in, TextEncoding encoding, std::string *out
         if (len == 0)
             return false;
         unsigned char b = engineByte(cp);
-        if (foreign && (b == ForeignLetterByte || b == ForeignSymbolByte) && cp != b)
+        bool standIn = (b == ForeignLetterByte || b == ForeignSymbolByte) && cp != b;
+        if (foreign && standIn)
             ++*foreign;
+        if (kept && (standIn || b == ForeignLetterByte)) {
+            /* one stand-in byte that no other character gives */
+            b = ForeignLetterByte;
+            kept->emplace_back((const char *)s + i, len);
+        }
         out->push_back((char)b);
         i += len;
     }

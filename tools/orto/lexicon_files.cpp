@@ -82,6 +82,11 @@ bool findBundledLexicon(const std::string &name, std::string *path)
         if (canonical == alias[0])
             canonical = alias[1];
 
+    return findDataFile(canonical + BundledExtension, path);
+}
+
+bool findDataFile(const std::string &fileName, std::string *path)
+{
     char exe[PATH_MAX];
     ssize_t n = readlink("/proc/self/exe", exe, sizeof exe - 1);
     std::string exeDir = n > 0 ? dirName(std::string(exe, (size_t)n)) : std::string();
@@ -94,7 +99,7 @@ bool findBundledLexicon(const std::string &name, std::string *path)
         dirs.push_back(exeDir + "/../share/orto");
     dirs.push_back(ORTO_DATA_DIR);
     for (const std::string &dir : dirs) {
-        std::string candidate = dir + "/" + canonical + BundledExtension;
+        std::string candidate = dir + "/" + fileName;
         if (isFile(candidate)) {
             *path = candidate;
             return true;

@@ -106,7 +106,7 @@ void closeLexicons(LexiconSet *set)
     set->sid = -1;
 }
 
-static bool makeFolders(const std::string &dir)
+bool makeFolders(const std::string &dir)
 {
     if (dir.empty() || dir == "/" || dir == ".")
         return true;

@@ -49,6 +49,11 @@ int16_t acceptForRun(LexiconSet *set, const std::string &word);
  * is none. */
 bool findBundledLexicon(const std::string &name, std::string *path);
 
+/* A file of the program's data folders (the bundled lexicons' folder:
+ * the build tree's, share/orto beside the program, the installed one),
+ * such as the dialogs' help file; false if none has it. */
+bool findDataFile(const std::string &fileName, std::string *path);
+
 /* The default personal lexicon: orto/personal.tlx in $XDG_CONFIG_HOME, or
  * in ~/.config; empty when neither is known. */
 std::string defaultPersonalPath();
@@ -60,6 +65,10 @@ bool isStorableWord(const std::string &word);
 
 /* The folder part of a path ("." when there is none). */
 std::string dirName(const std::string &path);
+
+/* Makes a folder and those above it that are missing (mode 0700); true
+ * when it exists afterwards. */
+bool makeFolders(const std::string &dir);
 
 /* True for an existing regular file. */
 bool isFile(const std::string &path);

@@ -24,6 +24,9 @@ static void printUsage(FILE *out)
           "  pipe                 the ispell pipe protocol for editors (orto -a)\n"
           "  compress -o OUT LIST...  make a compressed lexicon from word lists\n"
           "  lex ACTION FILE ...  show and edit a text lexicon file\n"
+          "  check FILE...        check files in the Check Spelling dialog (a terminal)\n"
+          "  dictionaries         the Dictionaries dialog: the user lexicons\n"
+          "  options              the Options dialog: the settings of the check\n"
           "  lsp                  a language server for editors (LSP, on stdio)\n"
           "  help [COMMAND]       show this help, or the help of a command\n"
           "\n"
@@ -55,6 +58,9 @@ static const Command Commands[] = {
     {"pipe", runPipe, printPipeHelp},
     {"compress", runCompress, printCompressHelp},
     {"lex", runLex, printLexHelp},
+    {"check", runCheck, printCheckHelp},
+    {"dictionaries", runDictionaries, printDictionariesHelp},
+    {"options", runOptions, printOptionsHelp},
     {"lsp", runLsp, printLspHelp},
 };
 

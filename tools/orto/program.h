@@ -51,9 +51,12 @@ bool parseEncoding(const char *name, TextEncoding *encoding);
 /* Converts user text to engine text.  False when `in` isn't valid UTF-8
  * (never with EncodingLatin1); `out` then holds what was converted before
  * the bad byte.  `foreign`, if not null, receives the number of characters
- * that became stand-ins. */
+ * that became stand-ins.  With `kept`, every character that has no byte of
+ * its own in Windows Latin-1 becomes ForeignLetterByte, whatever its kind,
+ * and its UTF-8 bytes go to `kept` in the order of the text, so that the
+ * text can be put back byte for byte (a file checked in place). */
 bool toEngineText(const std::string &in, TextEncoding encoding, std::string *out,
-                  size_t *foreign = nullptr);
+                  size_t *foreign = nullptr, std::vector<std::string> *kept = nullptr);
 
 /* Converts engine text back to the user's encoding. */
 std::string fromEngineText(const std::string &in, TextEncoding encoding);
@@ -125,6 +128,15 @@ int runSuggest(int argc, char **argv, int first);
 int runPipe(int argc, char **argv, int first);
 int runCompress(int argc, char **argv, int first);
 int runLex(int argc, char **argv, int first);
+int runCheck(int argc, char **argv, int first);
+int runDictionaries(int argc, char **argv, int first);
+int runOptions(int argc, char **argv, int first);
+
+/* The files of `orto check` through the Check Spelling dialog, with the
+ * front end in force, after the settings are ready: the command without
+ * its terminal test, for tests with a scripted user. */
+int checkFiles(const std::vector<std::string> &paths, TextEncoding encoding);
+
 int runLsp(int argc, char **argv, int first);
 
 void printListHelp(FILE *out);
@@ -132,6 +144,9 @@ void printSuggestHelp(FILE *out);
 void printPipeHelp(FILE *out);
 void printCompressHelp(FILE *out);
 void printLexHelp(FILE *out);
+void printCheckHelp(FILE *out);
+void printDictionariesHelp(FILE *out);
+void printOptionsHelp(FILE *out);
 void printLspHelp(FILE *out);
 void printCheckOptionsHelp(FILE *out);
 

@@ -192,11 +192,12 @@ static void drawLabel(Window *w, RECT r, int widthLimit = -1)
     putFitted(r.top, x, label, width, at);
 }
 
-/* A one-line field, scrolled so that the caret shows. */
+/* A one-line field, scrolled so that the caret shows; the field with the
+ * focus in a colour of its own, beside the caret. */
 static void drawField(Window *w, int y, int x, int width, bool focused)
 {
     Pen pen = currentPen();
-    attron(COLOR_PAIR(PairField));
+    attron(COLOR_PAIR(focused ? PairFocus : PairField));
     fill(y, x, 1, width);
     uint32_t caret = term.caret.count(w->handle) ? term.caret[w->handle] : (uint32_t)w->text.size();
     if (caret > w->text.size())

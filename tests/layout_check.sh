@@ -45,7 +45,7 @@ os_headers='<(unistd|fcntl|pthread|dirent|dlfcn|pwd|poll|termios|sys/[a-z_]+)\.h
 while IFS= read -r line; do
   report "operating system called outside platform/: $line"
 done < <(grep -rn --include='*.cpp' --include='*.h' -E "^#include $os_headers" \
-         engine lexicon suggest host dialogs 2>/dev/null)
+         engine lexicon suggest host dialogs ui 2>/dev/null)
 
 while IFS= read -r line; do
   report "library reaches into tools/ or tests/: $line"

@@ -2,7 +2,7 @@
  * front_end.cpp -- who plays the user.  A host or a test hands over a
  * front end; null chooses the terminal, which is the choice at the start.
  * The terminal front end plays only where a person can be: when standard
- * input and output are terminals.  Elsewhere (a pipe, a test run, a
+ * input and output are terminals, of a type that can show the dialogs.  Elsewhere (a pipe, a test run, a
  * service) the dialogs have no user, and every act is the one a front end
  * with all its fields null makes.
  */
@@ -19,7 +19,7 @@ const ORTO_FrontEnd *currentFrontEnd(void)
 {
     if (!terminalChosen)
         return &chosenFrontEnd;
-    return standardStreamsAreTerminals() ? &terminalFrontEnd : &noUser;
+    return standardStreamsAreTerminals() && termUsable() ? &terminalFrontEnd : &noUser;
 }
 
 /* The outermost dialog has ended: the terminal goes back to the shell. */

@@ -31,20 +31,34 @@ enum TermPair {
     PairTitle         /* a dialog's caption */
 };
 
+/* A pane or dialog as its owner placed it, on a screen of that size, and
+ * the rectangle the last resize gave it. */
+struct Placement {
+    RECT at;
+    int rows, cols;
+    RECT shown;
+};
+
 struct TermState {
     bool active;                      /* curses mode is on */
     int rows, cols;                   /* the screen's size */
     std::map<HWND, uint32_t> caret;   /* caret of each field */
     std::map<HWND, uint32_t> scroll;  /* first shown character of a field, first line of a pane */
     HWND enterOnList;                 /* the list that took the last Enter, for a double Enter */
+    std::map<HWND, Placement> placed; /* where the panes and dialogs were put, for resizes */
 };
 extern TermState term;
 
 /* The screen: started at the first need, given back to the shell when the
- * outermost dialog ends. */
-void termStart(void);
+ * outermost dialog ends.  False when the terminal can't show the dialogs
+ * (termUsable), which then have no user. */
+bool termUsable(void);
+bool termStart(void);
 void termStop(void);
 void termFrontEndIdle(void);
+/* The terminal has a new size: the document panes and the dialogs are
+ * laid out for it again. */
+void termResized(void);
 
 /* Windows Latin-1 to the screen's characters and back; -1 for a character
  * that has no Latin-1 form. */
@@ -68,6 +82,8 @@ bool editsText(Window *w);
 void frame(int top, int left, int height, int width);
 void drawScreen(HWND top);
 void drawWaitNotice(void);
+/* Rows of the list of an open drop-down combo box, below its box. */
+int droppedRows(Window *w);
 
 /* The boxes over a dialog. */
 void termMessageBox(const char *text, const char *title);

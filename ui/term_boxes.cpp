@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/debug_log.h"
 #include "platform/folder_list.h"
 #include "ui/term.h"
 
@@ -68,7 +69,10 @@ static RECT box(const std::string &title, int width, int height)
 
 void termMessageBox(const char *text, const char *title)
 {
-    termStart();
+    if (!termStart()) {
+        DebugLog("MessageBoxA: %s: %s", title, text);
+        return;
+    }
     int wrapAt = term.cols - 8 > 20 ? term.cols - 8 : 20;
     int width = 20;
     for (const std::string &line : wrap(text, wrapAt))
@@ -95,7 +99,7 @@ void termMessageBox(const char *text, const char *title)
         if (!readKey(&key, &isCode))
             continue;
         if (isCode && key == KEY_RESIZE) {
-            getmaxyx(stdscr, term.rows, term.cols);
+            termResized();
             continue;
         }
         if ((!isCode && (key == '\r' || key == '\n' || key == ' ' || key == 27)) ||
@@ -175,7 +179,8 @@ static void putUtf8(int y, int x, const std::string &text, int width)
 
 void termHelp(const char *helpFile, uint32_t topic)
 {
-    termStart();
+    if (!termStart())
+        return;
     std::string path = findHelpFile(helpFile);
     std::vector<std::string> lines = helpSection(path, topic);
     if (lines.empty()) {
@@ -208,7 +213,7 @@ void termHelp(const char *helpFile, uint32_t topic)
         int last = (int)lines.size() - height > 0 ? (int)lines.size() - height : 0;
         if (isCode) {
             if (key == KEY_RESIZE)
-                getmaxyx(stdscr, term.rows, term.cols);
+                termResized();
             else if (key == KEY_UP)
                 first = first > 0 ? first - 1 : 0;
             else if (key == KEY_DOWN)
@@ -286,18 +291,45 @@ static void readFolder(FileDialogState *s)
     s->first = 0;
 }
 
+/* `name` in `folder` (a name that begins with '/' stands alone), with the
+ * "." and ".." parts taken out, so the folder line reads as a person
+ * would type it. */
 static std::string joinPath(const std::string &folder, const std::string &name)
 {
-    if (!name.empty() && name[0] == '/')
-        return name;
-    if (folder.empty() || folder == ".")
-        return name;
-    return folder.back() == '/' ? folder + name : folder + "/" + name;
+    std::string whole = !name.empty() && name[0] == '/' ? name : folder + "/" + name;
+    bool absolute = whole[0] == '/';
+    std::vector<std::string> parts;
+    for (size_t start = 0; start <= whole.size();) {
+        size_t end = whole.find('/', start);
+        if (end == std::string::npos)
+            end = whole.size();
+        std::string part = whole.substr(start, end - start);
+        if (part == ".." && !parts.empty() && parts.back() != "..")
+            parts.pop_back();
+        else if (part == ".." ? !absolute : !part.empty() && part != ".")
+            parts.push_back(part);
+        start = end + 1;
+    }
+    std::string out = absolute ? "/" : "";
+    for (size_t i = 0; i < parts.size(); i++)
+        out += (i ? "/" : "") + parts[i];
+    return out.empty() ? "." : out;
 }
 
-/* Tab: the longest common start of the entries that begin with the field. */
+/* Tab: a path typed in the field first goes to its folder; then the
+ * field takes the longest common start of the entries that begin with it,
+ * and a folder that is the one match is opened. */
 static void complete(FileDialogState *s)
 {
+    size_t slash = s->field.rfind('/');
+    if (slash != std::string::npos) {
+        std::string folder = joinPath(s->folder, slash == 0 ? "/" : s->field.substr(0, slash));
+        if (!isFolder(folder.c_str()))
+            return;
+        s->folder = folder;
+        s->field.erase(0, slash + 1);
+        readFolder(s);
+    }
     std::string common;
     bool any = false;
     for (const FolderEntry &e : s->shown) {
@@ -345,7 +377,8 @@ static bool ask(const std::string &question)
 
 int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pathSize)
 {
-    termStart();
+    if (!termStart())
+        return 0;
     FileDialogState s{};
     for (const char *p = request->filter; p && *p;) {
         std::string description = p;
@@ -399,7 +432,7 @@ int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pat
             continue;
         if (isCode) {
             if (key == KEY_RESIZE)
-                getmaxyx(stdscr, term.rows, term.cols);
+                termResized();
             else if (key == KEY_UP)
                 s.selected = s.selected > -1 ? s.selected - 1 : -1;
             else if (key == KEY_DOWN)
@@ -439,6 +472,13 @@ int32_t termFileDialog(const ORTO_FileRequest *request, char *path, uint32_t pat
                 s.folder = full;
                 s.field.clear();
                 readFolder(&s);
+                continue;
+            }
+            size_t cut = full.rfind('/');
+            std::string folder = cut == 0 ? "/" : cut == std::string::npos ? "." : full.substr(0, cut);
+            if ((request->flags & ORTO_OFN_PATHMUSTEXIST) && !isFolder(folder.c_str())) {
+                termMessageBox(("The folder " + folder + " does not exist.").c_str(),
+                               request->title ? request->title : "Open");
                 continue;
             }
             bool exists = std::ifstream(full).good();

@@ -55,6 +55,23 @@ static void fill(int top, int left, int height, int width)
                     mvaddch(y, x, ' ');
 }
 
+/* The attributes in force.  A part drawn in other colours puts them back
+ * when it is done: turning its colour pair off would leave no pair at all,
+ * and the cells behind it in the terminal's own colours. */
+struct Pen {
+    attr_t attrs;
+    short pair;
+};
+
+static Pen currentPen(void)
+{
+    Pen pen;
+    attr_get(&pen.attrs, &pen.pair, nullptr);
+    return pen;
+}
+
+static void usePen(Pen pen) { attr_set(pen.attrs, pen.pair, nullptr); }
+
 void frame(int top, int left, int height, int width)
 {
     if (height < 2 || width < 2)
@@ -112,6 +129,7 @@ static void drawPane(Window *w, RECT r, bool framed)
     if (first + (uint32_t)height > starts.size())
         first = starts.size() > (uint32_t)height ? (uint32_t)(starts.size() - (size_t)height) : 0;
     term.scroll[w->handle] = first;
+    Pen pen = currentPen();
     for (int row = 0; row < height; row++) {
         size_t k = first + (size_t)row;
         if (k >= starts.size())
@@ -121,12 +139,10 @@ static void drawPane(Window *w, RECT r, bool framed)
             char c = w->text[i];
             if (c == '\n' || c == '\r')
                 continue;
-            bool selected = i >= w->selStart && i < w->selEnd;
-            if (selected)
-                attron(COLOR_PAIR(PairSelected) | A_REVERSE);
+            if (i >= w->selStart && i < w->selEnd)
+                attrset(COLOR_PAIR(PairSelected) | A_REVERSE);
             putText(top + row, left + (int)col, std::string(1, c == '\t' ? ' ' : c), 1);
-            if (selected)
-                attroff(COLOR_PAIR(PairSelected) | A_REVERSE);
+            usePen(pen);
             col++;
         }
     }
@@ -179,6 +195,7 @@ static void drawLabel(Window *w, RECT r, int widthLimit = -1)
 /* A one-line field, scrolled so that the caret shows. */
 static void drawField(Window *w, int y, int x, int width, bool focused)
 {
+    Pen pen = currentPen();
     attron(COLOR_PAIR(PairField));
     fill(y, x, 1, width);
     uint32_t caret = term.caret.count(w->handle) ? term.caret[w->handle] : (uint32_t)w->text.size();
@@ -192,37 +209,53 @@ static void drawField(Window *w, int y, int x, int width, bool focused)
     if (first > w->text.size())
         first = 0;
     putText(y, x, w->text.substr(first), width);
-    attroff(COLOR_PAIR(PairField));
+    usePen(pen);
     if (focused) {
         move(y, x + (int)(caret - first));
         curs_set(1);
     }
 }
 
+/* The selected entry stands out by colour whatever the font's weight: in
+ * reverse where the list has the focus, else in the colour of a selection.
+ * A list with the focus and no selection has its first row underlined. */
 static void drawList(Window *w, int y, int x, int height, int width, bool focused)
 {
+    Pen pen = currentPen();
     attron(COLOR_PAIR(PairField));
+    Pen field = currentPen();
     fill(y, x, height, width);
     int count = (int)w->items.size();
     if (w->curSel >= 0 && w->curSel < w->topIndex)
         w->topIndex = w->curSel;
     if (w->curSel >= 0 && height > 0 && w->curSel >= w->topIndex + height)
         w->topIndex = w->curSel - height + 1;
+    int textWidth = width - (count > height ? 1 : 0);
+    if (focused && w->curSel < 0 && height > 0) { /* the focus on a list without a selection */
+        attron(A_UNDERLINE);
+        fill(y, x, 1, textWidth);
+        usePen(field);
+    }
     for (int row = 0; row < height && w->topIndex + row < count; row++) {
         int index = w->topIndex + row;
-        bool selected = index == w->curSel;
-        if (selected)
-            attron(focused ? A_REVERSE : A_BOLD);
-        putText(y + row, x, w->items[(size_t)index].text, width - (count > height ? 1 : 0));
-        if (selected)
-            attroff(focused ? A_REVERSE : A_BOLD);
+        if (focused && w->curSel < 0 && row == 0)
+            attron(A_UNDERLINE);
+        if (index == w->curSel) {
+            if (focused)
+                attron(A_REVERSE);
+            else
+                attron(COLOR_PAIR(PairSelected));
+            fill(y + row, x, 1, textWidth);
+        }
+        putText(y + row, x, w->items[(size_t)index].text, textWidth);
+        usePen(field);
     }
     if (count > height && height > 0 && width > 1) {
         int mark = count > 1 ? (w->curSel < 0 ? 0 : w->curSel) * (height - 1) / (count - 1) : 0;
         for (int row = 0; row < height; row++)
             mvaddch(y + row, x + width - 1, row == mark ? ACS_CKBOARD : ACS_VLINE);
     }
-    attroff(COLOR_PAIR(PairField));
+    usePen(pen);
 }
 
 /* A push button's face: the label in brackets ("<...>" for the default
@@ -264,9 +297,16 @@ static void drawButton(Window *d, Window *w, RECT r, bool focused)
         putFitted(r.top, r.left + 2, label, labelRoom(d, w, r) - 2, at);
         return;
     }
+    /* a face one or two cells wider than its button takes the free cells
+     * beside it, as a label does, so that it keeps its brackets */
     bool isDefault = type == BS_DEFPUSHBUTTON;
     int width = r.right - r.left, shift = 1;
     std::string shown = buttonFace(label, isDefault, width, &shift);
+    if (shown.size() == label.size() || shown.size() > (size_t)width) {
+        int room = labelRoom(d, w, r);
+        shown = buttonFace(label, isDefault, room, &shift);
+        width = (int)shown.size() > width ? (int)shown.size() : width;
+    }
     int x = r.left + (width > (int)shown.size() ? (width - (int)shown.size()) / 2 : 0);
     if (focused)
         attron(A_REVERSE);
@@ -293,10 +333,11 @@ static void drawControl(Window *d, Window *w, std::vector<Window *> *droppedList
         break;
     case KindEdit:
         if (w->style & ES_MULTILINE) {
+            Pen pen = currentPen();
             attron(COLOR_PAIR(PairField));
             fill(r.top, r.left, r.bottom - r.top, r.right - r.left);
             drawPane(w, r, false);
-            attroff(COLOR_PAIR(PairField));
+            usePen(pen);
         } else {
             drawField(w, r.top, r.left, r.right - r.left, focused);
         }
@@ -308,10 +349,11 @@ static void drawControl(Window *d, Window *w, std::vector<Window *> *droppedList
         int width = r.right - r.left;
         bool simple = (w->style & CBS_TYPEMASK) == CBS_SIMPLE;
         if ((w->style & CBS_TYPEMASK) == CBS_DROPDOWNLIST) {
+            Pen pen = currentPen();
             attron(COLOR_PAIR(PairField) | (focused ? A_REVERSE : 0));
             fill(r.top, r.left, 1, width - 1);
             putText(r.top, r.left, w->text, width - 1);
-            attroff(COLOR_PAIR(PairField) | A_REVERSE);
+            usePen(pen);
         } else {
             drawField(w, r.top, r.left, simple ? width : width - 1, focused);
         }
@@ -328,6 +370,8 @@ static void drawControl(Window *d, Window *w, std::vector<Window *> *droppedList
     }
     attroff(COLOR_PAIR(disabled ? PairDisabled : PairDialog) | weight | A_DIM);
 }
+
+int droppedRows(Window *w) { return (int)w->items.size() < 8 ? (int)w->items.size() : 8; }
 
 static void drawDialog(HWND dialog)
 {
@@ -354,8 +398,7 @@ static void drawDialog(HWND dialog)
             drawControl(d, c, &dropped);
     for (Window *w : dropped) { /* an open drop-down list lies over the rest */
         RECT c = screenRect(w);
-        int height = (int)w->items.size() < 8 ? (int)w->items.size() : 8;
-        drawList(w, c.top + 1, c.left, height, c.right - c.left, true);
+        drawList(w, c.bottom, c.left, droppedRows(w), c.right - c.left, true);
     }
 }
 

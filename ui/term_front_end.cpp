@@ -23,11 +23,11 @@ static void waitCursor(void *, int32_t on)
 
 static void workArea(void *, int32_t rect[4])
 {
-    termStart();
+    bool started = termStart();
     rect[0] = 0;
     rect[1] = 0;
-    rect[2] = term.cols;
-    rect[3] = term.rows;
+    rect[2] = started ? term.cols : 80;
+    rect[3] = started ? term.rows : 24;
 }
 
 extern const ORTO_FrontEnd terminalFrontEnd;

@@ -12,6 +12,7 @@
  *   Space                   press a button, switch a check box
  *   arrows, Page, Home/End  move in lists, fields, radio groups
  *   F4, Alt+Down            open a drop-down list
+ *   Ctrl-L                  draw the screen again
  *
  * Changes the user makes to a control are made silently (the window layer
  * knows the front end is at work); the command returned is their one
@@ -43,6 +44,10 @@ static std::vector<Window *> focusOrder(Window *d)
 
 static void setFocus(Window *d, Window *w)
 {
+    /* a drop-down list closes when the focus leaves its box */
+    Window *before = windowOf(d->focus);
+    if (before && before != w && before->kind == KindComboBox)
+        before->dropped = 0;
     d->focus = w ? w->handle : nullptr;
     term.enterOnList = nullptr;
     if (w && editsText(w))
@@ -165,8 +170,10 @@ static int32_t moveInList(Window *w, int step, bool toEnd)
     int at = w->curSel;
     if (toEnd)
         at = step < 0 ? 0 : count - 1;
+    else if (at < 0) /* from no selection: the first entry shown, or a page on */
+        at = step > 1 ? w->topIndex + step - 1 : w->topIndex;
     else
-        at = at < 0 ? 0 : at + step;
+        at += step;
     at = at < 0 ? 0 : at >= count ? count - 1 : at;
     if (at == w->curSel)
         return NoCommand;
@@ -180,21 +187,26 @@ static int32_t moveInList(Window *w, int step, bool toEnd)
     return commandOf(w, ORTO_CBN_SELCHANGE);
 }
 
-/* The next or previous radio button of the group, pressed. */
+/* The next or previous radio button of the group, pressed.  The group
+ * runs from the control with WS_GROUP at or before `w` to the next one. */
 static int32_t moveInGroup(Window *d, Window *w, int step)
 {
     std::vector<Window *> group;
-    bool in = false;
+    bool reached = false;
     for (HWND h : d->children) {
         Window *c = windowOf(h);
         if (!c)
             continue;
+        if (c->style & WS_GROUP) {
+            if (reached)
+                break;
+            group.clear();
+        }
         if (c == w)
-            in = true;
+            reached = true;
         if (isRadio(c) && takesFocus(c))
             group.push_back(c);
     }
-    (void)in;
     for (size_t i = 0; i < group.size(); i++)
         if (group[i] == w && i + step < group.size())
             return click(d, group[(size_t)((int)i + step)]);
@@ -296,6 +308,20 @@ static int32_t mouseClick(Window *d)
     if (getmouse(&event) != OK)
         return NoCommand;
     bool twice = (event.bstate & BUTTON1_DOUBLE_CLICKED) != 0;
+    /* an open drop-down list lies over the controls below its box: a click
+     * there picks an entry, a click elsewhere closes it */
+    Window *f = windowOf(d->focus);
+    if (f && f->kind == KindComboBox && f->dropped) {
+        RECT r = screenRect(f);
+        int row = event.y - r.bottom, index = f->topIndex + row;
+        f->dropped = 0;
+        if (event.x >= r.left && event.x < r.right && row >= 0 && row < droppedRows(f) &&
+            index < (int)f->items.size()) {
+            SendMessageA(f->handle, ORTO_CB_SETCURSEL, (uintptr_t)index, 0);
+            term.caret[f->handle] = (uint32_t)f->text.size();
+            return commandOf(f, ORTO_CBN_SELCHANGE);
+        }
+    }
     for (HWND h : d->children) {
         Window *c = windowOf(h);
         if (!c || !takesFocus(c))
@@ -355,36 +381,13 @@ static bool tooSmall(void)
     return true;
 }
 
-/* After a resize every dialog is moved back onto the screen, and a pane
- * that spanned the screen's width spans it again. */
-static void resized(void)
-{
-    int oldRows = term.rows, oldCols = term.cols;
-    getmaxyx(stdscr, term.rows, term.cols);
-    std::vector<HWND> panes;
-    listTopLevelWindows(&panes);
-    for (HWND p : panes) {
-        Window *w = windowOf(p);
-        if (w && w->kind == KindEdit && w->width >= oldCols && w->x == 0)
-            MoveWindow(p, 0, w->y, term.cols, w->height + term.rows - oldRows > 1 ? w->height + term.rows - oldRows : 1, 0);
-    }
-    for (HWND h : runningDialogs()) {
-        Window *d = windowOf(h);
-        if (!d)
-            continue;
-        int x = d->x + d->width > term.cols ? term.cols - d->width : d->x;
-        int y = d->y + d->height > term.rows ? term.rows - d->height : d->y;
-        MoveWindow(h, x < 0 ? 0 : x, y < 0 ? 0 : y, d->width, d->height, 0);
-    }
-}
-
 static int32_t handleKey(Window *d, wint_t key, bool isCode)
 {
     Window *f = focused(d);
     if (isCode) {
         switch (key) {
         case KEY_RESIZE:
-            resized();
+            termResized();
             return NoCommand;
         case KEY_MOUSE:
             return mouseClick(d);
@@ -431,6 +434,9 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
     case '\t':
         moveFocus(d, 1);
         return NoCommand;
+    case 12: /* Ctrl-L: the whole screen sent again, as in other programs */
+        clearok(curscr, TRUE);
+        return NoCommand;
     case '\r':
     case '\n':
         return enter(d, f);
@@ -466,7 +472,8 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
 
 int32_t termNextCommand(HWND dialog)
 {
-    termStart();
+    if (!termStart())
+        return -1;
     for (;;) {
         Window *d = windowOf(dialog);
         if (!d)

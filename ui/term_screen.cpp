@@ -10,12 +10,17 @@
  * screen; nothing else of the locale is touched.
  */
 #include <locale.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #define NCURSES_WIDECHAR 1
 #include <ncursesw/curses.h>
+#include <ncursesw/term.h>
 
+#include <vector>
+
+#include "engine/debug_log.h"
 #include "ui/term.h"
 
 TermState term;
@@ -97,15 +102,44 @@ static void chooseCharacterType(void)
         setlocale(LC_CTYPE, "C.UTF-8");
 }
 
-void termStart(void)
+/* Whether the terminal can show the dialogs: a type that terminfo knows
+ * and that can put the cursor anywhere.  Asked before curses starts, whose
+ * own start would end the host's process on a type it doesn't know. */
+bool termUsable(void)
+{
+    static int usable = -1;
+    if (usable >= 0)
+        return usable != 0;
+    int error = 0;
+    usable = 0;
+    if (setupterm(nullptr, 1, &error) == OK) {
+        char *move = tigetstr("cup");
+        usable = move != nullptr && move != (char *)-1;
+        del_curterm(cur_term);
+    }
+    if (!usable) {
+        const char *type = getenv("TERM");
+        fprintf(stderr, "ORTO: the terminal \"%s\" can't show the dialogs (an unknown type, or one that "
+                        "can't move the cursor)\n", type ? type : "");
+        DebugLog("termUsable: TERM \"%s\" can't show the dialogs", type ? type : "");
+    }
+    return usable != 0;
+}
+
+bool termStart(void)
 {
     if (term.active)
-        return;
+        return true;
+    if (!termUsable())
+        return false;
     static bool initialised;
     if (!initialised) {
         chooseCharacterType();
         set_escdelay(50);
-        initscr();
+        if (!newterm(nullptr, stdout, stdin)) {
+            DebugLog("termStart: curses can't start on this terminal");
+            return false;
+        }
         initialised = true;
         if (has_colors()) {
             start_color();
@@ -130,6 +164,7 @@ void termStart(void)
     }
     term.active = true;
     getmaxyx(stdscr, term.rows, term.cols);
+    return true;
 }
 
 void termStop(void)
@@ -144,6 +179,58 @@ void termStop(void)
 }
 
 void termFrontEndIdle(void) { termStop(); }
+
+static bool sameRect(const RECT &a, const RECT &b)
+{
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+/* A resize lays the screen out again from where each pane and dialog was
+ * put (by its owner or by the dialog logic), not from where the last
+ * resize left it, so a terminal that was too small for a while shows
+ * again what it showed before.  A pane that spanned the screen's width
+ * spans it again and gains or loses the rows the screen did; a dialog that
+ * stood at the screen's bottom or right edge stays there; a dialog is kept
+ * on the screen where it fits. */
+void termResized(void)
+{
+    int oldRows = term.rows, oldCols = term.cols;
+    getmaxyx(stdscr, term.rows, term.cols);
+    std::vector<HWND> windows;
+    listTopLevelWindows(&windows);
+    windows.insert(windows.end(), runningDialogs().begin(), runningDialogs().end());
+    std::map<HWND, Placement> placed;
+    for (HWND h : windows) {
+        Window *w = windowOf(h);
+        if (!w || (w->kind != KindEdit && w->kind != KindDialog))
+            continue;
+        RECT now = {w->x, w->y, w->x + w->width, w->y + w->height};
+        auto found = term.placed.find(h);
+        Placement p = found != term.placed.end() && sameRect(found->second.shown, now)
+                          ? found->second
+                          : Placement{now, oldRows, oldCols, now};
+        int x = p.at.left, y = p.at.top, width = p.at.right - p.at.left, height = p.at.bottom - p.at.top;
+        if (w->kind == KindEdit) {
+            if (x == 0 && width > 0 && width >= p.cols) {
+                width = term.cols;
+                height = height + term.rows - p.rows > 1 ? height + term.rows - p.rows : 1;
+            }
+        } else {
+            if (p.at.bottom >= p.rows)
+                y = term.rows - height;
+            if (p.at.right >= p.cols)
+                x = term.cols - width;
+            x = x + width > term.cols ? term.cols - width : x;
+            y = y + height > term.rows ? term.rows - height : y;
+            x = x < 0 ? 0 : x;
+            y = y < 0 ? 0 : y;
+        }
+        MoveWindow(h, x, y, width, height, 0);
+        p.shown = RECT{x, y, x + width, y + height};
+        placed[h] = p;
+    }
+    term.placed.swap(placed);
+}
 
 bool readKey(wint_t *key, bool *isCode, int timeoutMs)
 {

@@ -14,6 +14,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,9 +55,11 @@ struct TmuxSession {
         run(std::string("send-keys ") + (literal ? "-l " : "") + keys);
     }
 
-    std::string screen() const
+    /* The screen's text; with `attributes`, with the escape sequences of
+     * its colours and attributes. */
+    std::string screen(bool attributes = false) const
     {
-        std::string command = "tmux -L " + socket + " capture-pane -p 2>/dev/null";
+        std::string command = "tmux -L " + socket + " capture-pane -p" + (attributes ? " -e" : "") + " 2>/dev/null";
         FILE *p = popen(command.c_str(), "r");
         std::string out;
         char buffer[4096];
@@ -72,17 +75,49 @@ struct TmuxSession {
      * shows it); false at the deadline. */
     bool waitFor(const std::string &text, double seconds = 20, bool gone = false) const
     {
+        return until([&] { return (screen().find(text) != std::string::npos) != gone; }, seconds);
+    }
+
+    /* Polls `done` until it holds; false at the deadline. */
+    static bool until(const std::function<bool()> &done, double seconds = 20)
+    {
         struct timespec start, now;
         clock_gettime(CLOCK_MONOTONIC, &start);
         for (;;) {
-            bool shown = screen().find(text) != std::string::npos;
-            if (shown != gone)
+            if (done())
                 return true;
             clock_gettime(CLOCK_MONOTONIC, &now);
             if ((now.tv_sec - start.tv_sec) + (now.tv_nsec - start.tv_nsec) / 1e9 > seconds)
                 return false;
             usleep(20000);
         }
+    }
+
+    /* Clicks the first cell of the first place on the screen that shows
+     * `text`, `times` times in a row (2: a double click), with the mouse
+     * reports of an xterm.  False if the screen doesn't show it. */
+    bool click(const std::string &text, int times = 1) const
+    {
+        std::string shown = screen();
+        size_t at = shown.find(text);
+        if (at == std::string::npos)
+            return false;
+        size_t lineStart = shown.rfind('\n', at);
+        lineStart = lineStart == std::string::npos ? 0 : lineStart + 1;
+        int row = 0, column = 0;
+        for (size_t i = 0; i < lineStart; i++)
+            row += shown[i] == '\n';
+        for (size_t i = lineStart; i < at; i++)
+            column += ((unsigned char)shown[i] & 0xC0) != 0x80; /* one cell a character */
+        std::string bytes;
+        char hex[64];
+        for (int n = 0; n < times; n++)
+            for (int button : {0, 3}) { /* press, release */
+                snprintf(hex, sizeof hex, " 1b 5b 4d %x %x %x", 32 + button, 33 + column, 33 + row);
+                bytes += hex;
+            }
+        run("send-keys -H" + bytes);
+        return true;
     }
 
     void resize(int width, int height) const

@@ -44,23 +44,23 @@ run cmake "$work/cmake-build/host"
 
 # The same host with the terminal front end, a person's key played by
 # tmux: Ignore at the first problem ends the check.  Bounded polls only.
-sock=orto-install-$$
+sock=$work/tmux.sock  # inside the work folder, so it goes with it
 wait_for() { # TEXT: true once the screen shows it, false after 20 s
   for _ in $(seq 1 1000); do
-    tmux -L "$sock" capture-pane -p 2>/dev/null | grep -qF "$1" && return 0
+    tmux -S "$sock" capture-pane -p 2>/dev/null | grep -qF "$1" && return 0
     sleep 0.02
   done
   return 1
 }
-tmux -L "$sock" new-session -d -x 80 -y 24 \
+tmux -S "$sock" new-session -d -x 80 -y 24 \
   "cd '$work' && '$work/host-pc' '$work/terminal.ini' --terminal; sleep 60"
 if wait_for "Not in Dictionary:cheks"; then
-  tmux -L "$sock" send-keys M-i
-  wait_for "result 27: A host that cheks its text." || report "the terminal host did not end: $(tmux -L "$sock" capture-pane -p)"
+  tmux -S "$sock" send-keys M-i
+  wait_for "result 27: A host that cheks its text." || report "the terminal host did not end: $(tmux -S "$sock" capture-pane -p)"
 else
-  report "the terminal host showed no dialog: $(tmux -L "$sock" capture-pane -p)"
+  report "the terminal host showed no dialog: $(tmux -S "$sock" capture-pane -p)"
 fi
-tmux -L "$sock" kill-server 2>/dev/null || true
+tmux -S "$sock" kill-server 2>/dev/null || true
 
 [ $fail -eq 0 ] && echo "install: a host builds and runs against the installed tree both ways, and on a terminal"
 exit $fail

@@ -19,18 +19,24 @@
 #include <vector>
 
 struct TmuxSession {
-    std::string socket;
+    std::string socket;           /* a path of its own: removed at the end, as tmux leaves it */
 
     /* Starts `command` (a shell command line) at `width` x `height`.  When
      * it ends, the pane stays and shows "[exited N]". */
     TmuxSession(const std::string &command, int width = 80, int height = 24)
     {
         static int serial;
-        socket = "orto-test-" + std::to_string(getpid()) + "-" + std::to_string(++serial);
+        const char *folder = getenv("TMPDIR");
+        socket = std::string(folder && *folder ? folder : "/tmp") + "/orto-tmux-" + std::to_string(getpid()) + "-" +
+                 std::to_string(++serial);
         std::string line = command + "; echo \"[exited $?]\"; sleep 600";
         run("new-session -d -x " + std::to_string(width) + " -y " + std::to_string(height) + " " + quote(line));
     }
-    ~TmuxSession() { run("kill-server"); }
+    ~TmuxSession()
+    {
+        run("kill-server");
+        unlink(socket.c_str());
+    }
     TmuxSession(const TmuxSession &) = delete;
     TmuxSession &operator=(const TmuxSession &) = delete;
 
@@ -44,7 +50,7 @@ struct TmuxSession {
 
     int run(const std::string &arguments) const
     {
-        std::string command = "tmux -L " + socket + " " + arguments + " >/dev/null 2>&1";
+        std::string command = "tmux -S " + quote(socket) + " " + arguments + " >/dev/null 2>&1";
         return system(command.c_str());
     }
 
@@ -59,7 +65,7 @@ struct TmuxSession {
      * its colours and attributes. */
     std::string screen(bool attributes = false) const
     {
-        std::string command = "tmux -L " + socket + " capture-pane -p" + (attributes ? " -e" : "") + " 2>/dev/null";
+        std::string command = "tmux -S " + quote(socket) + " capture-pane -p" + (attributes ? " -e" : "") + " 2>/dev/null";
         FILE *p = popen(command.c_str(), "r");
         std::string out;
         char buffer[4096];

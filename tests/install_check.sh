@@ -7,7 +7,8 @@
 set -euo pipefail
 build=$1 source=$2 cc=$3 cflags=${4:-}
 work=$(mktemp -d "${TMPDIR:-/tmp}/orto-install-XXXXXX")
-trap 'rm -rf "$work"' EXIT
+sock=$work.tmux # the terminal's tmux server, on a socket of its own
+trap 'rm -rf "$work"; rm -f "$sock"' EXIT
 prefix=$work/prefix
 cmake --install "$build" --prefix "$prefix" >/dev/null
 fail=0
@@ -44,7 +45,6 @@ run cmake "$work/cmake-build/host"
 
 # The same host with the terminal front end, a person's key played by
 # tmux: Ignore at the first problem ends the check.  Bounded polls only.
-sock=$work/tmux.sock  # inside the work folder, so it goes with it
 wait_for() { # TEXT: true once the screen shows it, false after 20 s
   for _ in $(seq 1 1000); do
     tmux -S "$sock" capture-pane -p 2>/dev/null | grep -qF "$1" && return 0
@@ -53,10 +53,12 @@ wait_for() { # TEXT: true once the screen shows it, false after 20 s
   return 1
 }
 tmux -S "$sock" new-session -d -x 80 -y 24 \
-  "cd '$work' && '$work/host-pc' '$work/terminal.ini' --terminal; sleep 60"
+  "cd '$work' && '$work/host-pc' '$work/terminal.ini' --terminal; echo '[host ended]'; sleep 60"
 if wait_for "Not in Dictionary:cheks"; then
   tmux -S "$sock" send-keys M-i
   wait_for "result 27: A host that cheks its text." || report "the terminal host did not end: $(tmux -S "$sock" capture-pane -p)"
+  # its settings are written as it exits: wait for that before the folder goes
+  wait_for "[host ended]" || report "the terminal host did not exit"
 else
   report "the terminal host showed no dialog: $(tmux -S "$sock" capture-pane -p)"
 fi

@@ -9,8 +9,8 @@
  * frequency class, rank_freq.cpp) and for capitals the word doesn't have.
  * Candidates are the words of every lexicon within a few plain edits of the
  * word (rank_walk.cpp), one more where that finds nothing that scores 80,
- * and the word split in two.  The score tells the
- * cost as the share of the word it spends, on the engine's 0..100 scale.
+ * and the word split in two.  The score tells the cost as the share of the
+ * word it spends, on the engine's 0..100 scale.
  */
 #ifndef ORTO_SUGGEST_RANK_H
 #define ORTO_SUGGEST_RANK_H

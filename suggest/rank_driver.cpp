@@ -7,9 +7,9 @@
  * stack, from every lexicon (slot 31 first, so that the higher slot wins a
  * tie, as in ORTO_Suggest), walked a second time with one edit more when
  * the first walk found nothing that scores 80, and from the word split in
- * two, sorts them and
- * writes them out as ORTO_Suggest does: the case of the caller's word
- * carried over, a candidate that then equals the one before it left out.
+ * two, sorts them and writes them out as ORTO_Suggest does: the case of
+ * the caller's word carried over, a candidate that then equals the one
+ * before it left out.
  * Its one allocation is the caller's capacity of entries for that write,
  * freed before it returns.
  */

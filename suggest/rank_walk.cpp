@@ -10,12 +10,13 @@
  * neighbour, so a compressed lexicon is walked where its segment keys begin
  * like the word (first letter the same), or like the word with one edit at
  * its start (the first letter swapped, dropped, doubled or changed, or
- * swapped with the third), and nowhere else.  In a segment, each word is weighed by its length and its letters
- * first: it can't lack more of the word's letters, or hold more others,
- * than there are edits to spend.  The few that pass run the plain edit
- * distance, which takes up the rows of the last word where their beginning
- * is shared, since the words come sorted; the ones within reach are costed
- * by the error model and offered to the pool.
+ * swapped with the third), and nowhere else.  In a segment, each word is
+ * weighed by its length and its letters first: it can't lack more of the
+ * word's letters, or hold more others, than there are edits to spend.  The
+ * few that pass run the plain edit distance, which takes up the rows of the
+ * last word where their beginning is shared, since the words come sorted;
+ * the ones within reach are costed by the error model and offered to the
+ * pool.
  */
 #include "suggest/rank.h"
 

@@ -15,7 +15,7 @@
  *   2. A word inside a web or e-mail address, a file path or a markup tag
  *      passes: its stretch of text between white space holds "://" or an
  *      "@" followed by a dotted name, or begins with "www.", "/", "~/",
- *      "./", "../" or a drive ("C:") after opening brackets and quotes; or
+ *      "./", "../" or a drive ("C:\") after opening brackets and quotes; or
  *      the word stands alone between "<" or "</" and ">" or "/>".
  *   3. A name of dotted parts of letters, digits and hyphens passes when
  *      its last part is a top-level domain (com, org, edu, ..., or two

@@ -353,6 +353,7 @@ TEST_F(ProgramTest, AddressesDottedWordsAndEdgeApostrophes)
         // addresses, paths and tags pass; a slash inside a word is no path
         {"http://wrold.qq/a?b=qqq wrold@qqq.org (www.wrold.hello)", ""},
         {"/usr/wrold ~/wrold ./wrold ../wrold C:\\wrold\\qqq wrold/dog", "wrold\n"},
+        {"\"~/wrold\" wrold.com. <qqq@wrold.fi>", ""},
         {"<wrold> </wrold> <br/> <em>wrold</em>", "wrold\n"},
         // host and newsgroup names pass; two parts with no domain don't
         {"wrold.org qqq.wrold.fi devvax.JPL.GOV comp.wrold.qqq", ""},
@@ -362,6 +363,7 @@ TEST_F(ProgramTest, AddressesDottedWordsAndEdgeApostrophes)
         {"teh.dog", "teh\n"},
         // apostrophes at the end, and the endings 'll 'd 've 're
         {"'dog' lookin' there'd that'll Dog're teh'd wrold've dog's", "lookin\nteh'd\nwrold've\n"},
+        {"lookin’ dog’ there’d", "lookin\n"}, // the typographic apostrophe
         // a word longer than 63 characters is reported once
         {cut.c_str(), "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"},
     };
@@ -374,6 +376,12 @@ TEST_F(ProgramTest, AddressesDottedWordsAndEdgeApostrophes)
                   .out,
               "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n"
               "*\n# wrold 6\n*\n*\n# qqqq 24\n\n");
+    // a cut word is answered once, by its first 63 characters
+    EXPECT_EQ(run({"pipe", "-d", lex, "--exact", "--option", "TypographicalSuggestions=0"},
+                  "^" + cut + " dog\n", dir.path)
+                  .out,
+              "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n"
+              "# " + cut.substr(0, 63) + " 1\n*\n\n");
     // the engine's own options still decide a word reported for more
     EXPECT_EQ(run({"list", "-d", lex, "--option", "ReportDoubledWords=1"}, "wrold.org wrold.org\n", dir.path).out,
               "wrold.org\n");

@@ -9,6 +9,10 @@
 #    same word list everywhere (our bundled en-US list, given to Hunspell as
 #    a dictionary without affix rules and to Aspell as a master dictionary
 #    made from it), and with each program's stock English dictionary.
+#    With the stock dictionaries also over a second text, the prose of The
+#    Debian Administrator's Handbook (Debian's `debian-handbook`: its HTML
+#    paragraphs without code, commands and file names), and over every
+#    distinct misspelling of the list below, to count those caught.
 # 2. Suggestions over real misspellings (npm package
 #    @cspell/dict-en-common-misspellings): each misspelling goes through
 #    the ispell pipe (`orto -a`, `hunspell -a`, `aspell -a`); suggestions per
@@ -28,7 +32,7 @@ work=${TMPDIR:-/tmp}/orto-compare
 mkdir -p "$work"
 
 echo "== installing the peers and the text" >&2
-packages=(hunspell hunspell-en-us aspell aspell-en fortunes time python3)
+packages=(hunspell hunspell-en-us aspell aspell-en fortunes debian-handbook time python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")
@@ -59,6 +63,43 @@ find /usr/share/games/fortunes -maxdepth 1 -type f ! -name '*.dat' -print0 |
   sort -z | xargs -0 cat | grep -av '^%$' | iconv -f utf-8 -t utf-8 -c > "$work/fortunes.txt"
 cat "$work/fortunes.txt" "$work/fortunes.txt" "$work/fortunes.txt" "$work/fortunes.txt" > "$text"
 words_in_text=$(wc -w < "$text")
+# The second text: the handbook's paragraphs, list items and headings,
+# without what is set as code, commands, file names, packages or links.
+python3 - /usr/share/doc/debian-handbook/html/en-US > "$work/handbook.txt" <<'EOF'
+import glob, html.parser, sys
+skip_tags = {"pre", "code", "tt", "kbd", "samp", "script", "style", "a"}
+skip_classes = {"command", "filename", "literal", "option", "package", "replaceable", "userinput",
+                "computeroutput", "varname", "email", "uri", "systemitem", "programlisting", "screen",
+                "envar", "parameter", "function", "prompt", "keycap", "guimenu", "guibutton", "guilabel",
+                "guimenuitem", "application", "ulink", "footnote"}
+class Prose(html.parser.HTMLParser):
+    def __init__(self):
+        super().__init__(convert_charrefs=True)
+        self.stack, self.skip, self.text = [], 0, []
+    def handle_starttag(self, tag, attrs):
+        if tag in ("br", "img", "hr", "meta", "link", "input"):
+            return
+        classes = set((dict(attrs).get("class") or "").split())
+        skip = tag in skip_tags or bool(classes & skip_classes)
+        self.stack.append((tag, skip))
+        self.skip += skip
+    def handle_endtag(self, tag):
+        while self.stack:
+            t, skip = self.stack.pop()
+            self.skip -= skip
+            if t == tag:
+                break
+        if tag in ("p", "li", "h1", "h2", "h3", "h4", "dt", "dd", "td", "title"):
+            paragraph = " ".join("".join(self.text).split())
+            if paragraph:
+                print(paragraph + "\n")
+            self.text = []
+    def handle_data(self, data):
+        self.text.append(" " if self.skip else data)
+for name in sorted(glob.glob(sys.argv[1] + "/*.html")):
+    Prose().feed(open(name, encoding="utf-8").read())
+EOF
+words_in_handbook=$(wc -w < "$work/handbook.txt")
 
 # Our word list in UTF-8 with LF line ends, for the peers.
 iconv -f cp1252 -t utf-8 "$root/data/en-US.txt" | tr -d '\r' | grep -v '^#' | grep -v '^$' > "$work/orto-words.txt"
@@ -87,6 +128,19 @@ random.Random(5).shuffle(pairs)
 for wrong, right in pairs[: int(sys.argv[2])]:
     print(f"{wrong}\t{right}")
 EOF
+# Every distinct misspelling of the package made of ASCII letters and
+# apostrophes, one a line, to count how many each program catches.
+python3 - "$work/misspellings/package/dict/dict-en.json" > "$work/misspelled.txt" <<'EOF'
+import json, re, sys
+words = set()
+for d in json.load(open(sys.argv[1]))["dictionaryDefinitions"]:
+    for entry in d.get("flagWords", []) + d.get("suggestWords", []):
+        wrong = entry.split("->")[0].strip()
+        if re.fullmatch(r"[A-Za-z']+", wrong):
+            words.add(wrong)
+print("\n".join(sorted(words)))
+EOF
+words_misspelled=$(wc -l < "$work/misspelled.txt")
 cut -f1 "$work/misspellings.tsv" | sed 's/^/^/' > "$work/misspellings.pipe"
 
 # Runs a command over a file on standard input; leaves "seconds peak-kB"
@@ -103,12 +157,17 @@ measure() {
 
 results=$work/results.tsv
 : > "$results"
-list_row() {
-  local name=$1 dict=$2
-  shift 2
-  measure "$text" "$work/list.out" "$@"
+list_row() { # task input name dict command...
+  local task=$1 input=$2 name=$3 dict=$4 count
+  shift 4
+  measure "$input" "$work/list.out" "$@"
   read -r secs kb < "$work/time"
-  echo -e "list\t$name\t$dict\t$secs\t$kb\t$(wc -l < "$work/list.out")" >> "$results"
+  if [ "$task" = caught ]; then
+    count=$(sort -u "$work/list.out" | wc -l)
+  else
+    count=$(wc -l < "$work/list.out")
+  fi
+  echo -e "$task\t$name\t$dict\t$secs\t$kb\t$count" >> "$results"
 }
 pipe_row() {
   local name=$1 dict=$2
@@ -120,12 +179,14 @@ pipe_row() {
 }
 
 echo "== listing" >&2
-list_row orto same "$orto" list -d en-US
-list_row hunspell same hunspell -l -i utf-8 -d "$work/orto_en"
-list_row aspell same aspell list --encoding=utf-8 --master="$work/orto_en.rws"
-list_row orto stock "$orto" list -d en-US
-list_row hunspell stock hunspell -l -i utf-8 -d en_US
-list_row aspell stock aspell list --encoding=utf-8 -d en_US
+list_row list "$text" orto same "$orto" list -d en-US
+list_row list "$text" hunspell same hunspell -l -i utf-8 -d "$work/orto_en"
+list_row list "$text" aspell same aspell list --encoding=utf-8 --master="$work/orto_en.rws"
+for t in list:"$text" prose2:"$work/handbook.txt" caught:"$work/misspelled.txt"; do
+  list_row "${t%%:*}" "${t#*:}" orto stock "$orto" list -d en-US
+  list_row "${t%%:*}" "${t#*:}" hunspell stock hunspell -l -i utf-8 -d en_US
+  list_row "${t%%:*}" "${t#*:}" aspell stock aspell list --encoding=utf-8 -d en_US
+done
 
 echo "== suggesting" >&2
 pipe_row orto same "$orto" -a -d en-US
@@ -135,9 +196,10 @@ pipe_row orto stock "$orto" -a -d en-US
 pipe_row hunspell stock hunspell -a -i utf-8 -d en_US
 pipe_row aspell stock aspell -a --encoding=utf-8 -d en_US
 
-python3 - "$results" "$work/misspellings.tsv" "$words_in_text" <<'EOF'
+python3 - "$results" "$work/misspellings.tsv" "$words_in_text" "$words_in_handbook" "$words_misspelled" <<'EOF'
 import sys
-results, pairs_file, words = sys.argv[1], sys.argv[2], int(sys.argv[3])
+results, pairs_file = sys.argv[1], sys.argv[2]
+words = {"list": int(sys.argv[3]), "prose2": int(sys.argv[4]), "caught": int(sys.argv[5])}
 pairs = [l.rstrip("\n").split("\t") for l in open(pairs_file, encoding="utf-8")]
 
 def answers(path):
@@ -158,14 +220,15 @@ def answers(path):
         block = []
     return out
 
-print(f"Text: {words} words of fortunes; misspellings: {len(pairs)} from @cspell/dict-en-common-misspellings")
+print(f"Texts: list {words['list']} words of fortunes, prose2 {words['prose2']} words of the Debian handbook;")
+print(f"caught: {words['caught']} distinct misspellings; suggest: {len(pairs)} of them with their intended words")
 print()
 print(f"{'task':6} {'program':9} {'lexicon':8} {'seconds':>8} {'peak MB':>8} {'words/s':>10} {'reported':>9} {'first':>7} {'top 5':>7}")
 for row in open(results):
     task, name, dict_, secs, kb, extra = row.rstrip("\n").split("\t")
     secs, mb = float(secs), int(kb) / 1024
-    if task == "list":
-        rate = words / secs if secs > 0 else float("inf")
+    if task in words:
+        rate = words[task] / secs if secs > 0 else float("inf")
         print(f"{task:6} {name:9} {dict_:8} {secs:8.2f} {mb:8.1f} {rate:10.0f} {int(extra):9d} {'':>7} {'':>7}")
     else:
         lists = answers(extra)
@@ -180,6 +243,7 @@ for row in open(results):
 print()
 print("same: the bundled en-US list for all three (Hunspell without affix rules);")
 print("stock: each program's own English dictionary (orto's is the bundled en-US).")
+print("reported counts the words listed; for caught, the distinct misspellings listed.")
 print("suggest words/s is misspellings answered per second; first and top 5 count")
 print("how often the intended word is the first suggestion, or among the first five.")
 EOF

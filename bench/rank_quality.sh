@@ -10,6 +10,11 @@
 #   - SAMPLE (default bench/data/sample.txt, the 2,000 pairs of
 #     fetch_misspellings.sh from @cspell/dict-en-common-misspellings), on a
 #     part of which list the error model's weights were set (not on these);
+#     the 2,000 that issue 16 was measured on came from the word list
+#     before SCOWL:  git show cd07c16:data/en-US.txt > /tmp/old-en-US.txt;
+#     bash bench/fetch_misspellings.sh /tmp/old-en-US.txt  (then give the
+#     new bench/data/sample.txt a name of its own, pass it as SAMPLE, and
+#     run fetch_misspellings.sh once more without an argument);
 #   - codespell's dictionary (Debian's `codespell`), less every misspelling
 #     that the cspell list holds too, less pairs whose intended word isn't
 #     in our list: an independent list, on which nothing was tuned.

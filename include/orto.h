@@ -467,13 +467,16 @@ ORTO_API int16_t ORTO_Suggest(int16_t sid, const char *word, int16_t depth, char
  *     of the word (a letter put in, left out, changed, or two neighbours
  *     swapped: one edit for words of up to three characters, two up to
  *     seven, three beyond; one fewer at `depth` below 25, one more at 75
- *     or above), whatever the options ORTO_TypographicalSuggestions and
+ *     or above; and at `depth` 25 or above, for a word of four characters
+ *     or more of which no candidate scores 80, a second search with one
+ *     more), whatever the options ORTO_TypographicalSuggestions and
  *     ORTO_PhoneticSuggestions say, and the word split in two where both
  *     halves are words, whatever ORTO_SuggestSplitWords says;
  *   - their order comes from an error model that knows what people get
- *     wrong (a letter doubled or left single, neighbours swapped, a vowel
- *     for a vowel, letters that sound alike, keys side by side) and from
- *     how common each word is: the frequencies that ORTO_SetLexFrequencies
+ *     wrong (a letter doubled or left single, neighbours swapped, two
+ *     letters swapped across the one between them, a vowel for a vowel,
+ *     letters and groups of letters that sound alike) and from how
+ *     common each word is: the frequencies that ORTO_SetLexFrequencies
  *     gave its compressed lexicon.  Words of a text lexicon count as
  *     common; a compressed lexicon without frequencies ranks by the error
  *     model alone.  An a/A/c/C entry of a text lexicon for exactly this

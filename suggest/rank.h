@@ -8,8 +8,9 @@
  * word (rank_cost.cpp) plus a cost for how rare the candidate is (its
  * frequency class, rank_freq.cpp) and for capitals the word doesn't have.
  * Candidates are the words of every lexicon within a few plain edits of the
- * word (rank_walk.cpp), and the word split in two.  The score tells the
- * cost as the share of the word it spends, on the engine's 0..100 scale.
+ * word (rank_walk.cpp), one more where that finds nothing that scores 80,
+ * and the word split in two.  The score tells the cost as the share of the
+ * word it spends, on the engine's 0..100 scale.
  */
 #ifndef ORTO_SUGGEST_RANK_H
 #define ORTO_SUGGEST_RANK_H
@@ -69,6 +70,8 @@ inline unsigned char rankFold(unsigned char c)
     return baseLetter[c] ? baseLetter[c] : c;
 }
 void rankWordInit(RankWord *word, const char *text, i16 depth);
+/* Turns the word to a second, wider search: one plain edit more. */
+void rankWordWiden(RankWord *word);
 /* The weighted edit distance from the word to `candidate`, in points (100
  * for a plain edit), or a value above `limit` once it is sure to pass it. */
 i32 rankErrorCost(const RankWord *word, const char *candidate, i32 limit);

@@ -8,7 +8,8 @@
  *   - a letter doubled or left single (untill, accomodate) costs 45;
  *   - a letter dropped (goverment) 60, a letter too many 95, an
  *     apostrophe or hyphen 30;
- *   - two neighbours swapped (teh, recieve) 60;
+ *   - two neighbours swapped (teh, recieve) 60, two letters swapped
+ *     across the one between them (poralized, munbers) 80;
  *   - a vowel for a vowel (seperate, definately) 75; a letter for one that
  *     sounds alike (c/k/s, s/z, m/n, d/t, ...) 50 to 75; any other letter
  *     100 (keys side by side get no discount: the misspellings people
@@ -152,6 +153,11 @@ void rankWordInit(RankWord *word, const char *text, i16 depth)
     word->full = 100 * (word->length < 2 ? 2 : word->length);
 }
 
+void rankWordWiden(RankWord *word)
+{
+    word->maxEdits++;
+}
+
 i32 rankErrorCost(const RankWord *word, const char *candidate, i32 limit)
 {
     const unsigned char *w = (const unsigned char *)word->text;
@@ -181,6 +187,11 @@ i32 rankErrorCost(const RankWord *word, const char *candidate, i32 limit)
             if (i > 1 && j > 1 && fw[i - 1] == fc[j - 2] && fw[i - 2] == fc[j - 1] &&
                 fw[i - 1] != fw[i - 2]) {
                 v = d[i - 2][j - 2] + 60;
+                best = v < best ? v : best;
+            }
+            if (i > 2 && j > 2 && fw[i - 1] == fc[j - 3] && fw[i - 3] == fc[j - 1] &&
+                fw[i - 2] == fc[j - 2] && fw[i - 1] != fw[i - 3]) {
+                v = d[i - 3][j - 3] + 80;
                 best = v < best ? v : best;
             }
             for (u32 bits = Rules.byLast[fc[j - 1]]; bits; bits &= bits - 1) {

@@ -5,9 +5,11 @@
  *
  * One call keeps the best RankPoolSize candidates by cost in a pool on its
  * stack, from every lexicon (slot 31 first, so that the higher slot wins a
- * tie, as in ORTO_Suggest) and from the word split in two, sorts them and
- * writes them out as ORTO_Suggest does: the case of the caller's word
- * carried over, a candidate that then equals the one before it left out.
+ * tie, as in ORTO_Suggest), walked a second time with one edit more when
+ * the first walk found nothing that scores 80, and from the word split in
+ * two, sorts them and writes them out as ORTO_Suggest does: the case of
+ * the caller's word carried over, a candidate that then equals the one
+ * before it left out.
  * Its one allocation is the caller's capacity of entries for that write,
  * freed before it returns.
  */
@@ -119,22 +121,32 @@ static void offerSplits(Session *session, const RankWord *word,
     }
 }
 
-static i16 gatherRanked(Session *session, const RankWord *word, RankPool *pool)
+static i16 bestScore(const RankPool *pool)
 {
-    /* the halves of a split are weighed by the first frequencies found */
-    const RankFrequencies *frequencies = nullptr;
+    i16 best = 0;
+    for (u32 i = 0; i < pool->count; i++)
+        best = pool->items[i].score > best ? pool->items[i].score : best;
+    return best;
+}
+
+/* The words of every lexicon within the word's plain edits; the
+ * frequencies of the highest slot that has them are left in *frequencies,
+ * for the halves of a split. */
+static i16 gatherRanked(Session *session, const RankWord *word, RankPool *pool,
+                        const RankFrequencies **frequencies)
+{
+    *frequencies = nullptr;
     for (int slot = MaxLexicons - 1; slot >= 0; slot--) {
         Lexicon *lexicon = session->lexSlots[slot];
         if (!lexicon)
             continue;
-        if (!frequencies)
-            frequencies = lexicon->frequencies;
+        if (!*frequencies)
+            *frequencies = lexicon->frequencies;
         if (lexicon->format == LexCompressed && lexicon->clex)
             RETURN_IF_NEG(rankWalkCLex(word, lexicon->clex, lexicon->frequencies, pool));
         else if (lexicon->format == LexText)
             rankWalkTLex(word, &lexicon->tlex, pool);
     }
-    offerSplits(session, word, frequencies, pool);
     return 0;
 }
 
@@ -161,9 +173,19 @@ extern "C" int16_t ORTO_SuggestRanked(int16_t sid, const char *word, int16_t dep
     pool.count = 0;
     pool.arrived = 0;
     pool.cap = costCap(&ranked);
-    i16 rc = gatherRanked(session, &ranked, &pool);
+    const RankFrequencies *frequencies = nullptr;
+    i16 rc = gatherRanked(session, &ranked, &pool, &frequencies);
     if (rc < 0)
         return rc;
+    /* Where nothing scores 80 or more, the word may lie an edit further
+     * from what was meant (appropropreately, becuz): a second walk with one
+     * plain edit more, which the common case doesn't pay for. */
+    if (depth >= 25 && ranked.length >= 4 && bestScore(&pool) < 80) {
+        rankWordWiden(&ranked);
+        if ((rc = gatherRanked(session, &ranked, &pool, &frequencies)) < 0)
+            return rc;
+    }
+    offerSplits(session, &ranked, frequencies, &pool);
     std::sort(pool.items, pool.items + pool.count, [](const RankCandidate &a, const RankCandidate &b) {
         return a.cost != b.cost ? a.cost < b.cost : a.order < b.order;
     });

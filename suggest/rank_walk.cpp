@@ -4,17 +4,19 @@
  *
  * A plain edit is a letter put in, left out, changed, or two neighbours
  * swapped; the word may lie RankWord.maxEdits of them away (one for words
- * of up to three letters, two up to seven, three beyond).  Nearly every
- * misspelling keeps its first letter, or loses it to a neighbour, so a
- * compressed lexicon is walked where its segment keys begin like the word
- * (first letter the same), or like the word with one edit at its start
- * (the first letter swapped, dropped, doubled or changed), and nowhere
- * else.  In a segment, each word is weighed by its length and its letters
- * first: it can't lack more of the word's letters, or hold more others,
- * than there are edits to spend.  The few that pass run the plain edit
- * distance, which takes up the rows of the last word where their beginning
- * is shared, since the words come sorted; the ones within reach are costed
- * by the error model and offered to the pool.
+ * of up to three letters, two up to seven, three beyond, and one more in
+ * the second walk that the driver runs when the first found nothing good).
+ * Nearly every misspelling keeps its first letter, or loses it to a
+ * neighbour, so a compressed lexicon is walked where its segment keys begin
+ * like the word (first letter the same), or like the word with one edit at
+ * its start (the first letter swapped, dropped, doubled or changed, or
+ * swapped with the third), and nowhere else.  In a segment, each word is
+ * weighed by its length and its letters first: it can't lack more of the
+ * word's letters, or hold more others, than there are edits to spend.  The
+ * few that pass run the plain edit distance, which takes up the rows of the
+ * last word where their beginning is shared, since the words come sorted;
+ * the ones within reach are costed by the error model and offered to the
+ * pool.
  */
 #include "suggest/rank.h"
 
@@ -177,13 +179,14 @@ static bool keyMayHold(const RankWord *word, const char *key)
     /* the first letters that another spelling of a first sound begins with */
     const bool soundFirst = k0 == 'c' || k0 == 'g' || k0 == 'j' || k0 == 'k' || k0 == 'p' ||
                             k0 == 's' || k0 == 'r' || k0 == 'w' || k0 == 'x';
-    if (k0 != w[0] && k0 != w[1] && k1 != w[0] && k1 != w[1] && !soundFirst)
+    if (k0 != w[0] && k0 != w[1] && k1 != w[0] && k1 != w[1] && k0 != w[2] && !soundFirst)
         return false; /* the common case, in a glance */
     return k0 == w[0] ||                  /* the same first letter */
            (k0 == w[1] && k1 == w[2]) ||  /* the word has a letter too many at its start */
            (k1 == w[0] && k2 == w[1]) ||  /* it lacks its first letter */
            (k0 == w[1] && k1 == w[0]) ||  /* its first two letters swapped */
            (k1 == w[1] && k2 == w[2]) ||  /* its first letter another */
+           (k0 == w[2] && k1 == w[1] && k2 == w[0]) || /* its first and third swapped */
            keySoundsLike(w, folded);
 }
 
@@ -261,8 +264,9 @@ static bool soundBeginsWith(unsigned char wordFirst, unsigned char first)
 /* The keys are walked by their first byte.  Where it is the word's first
  * or second letter, or begins another spelling of its first sound, every
  * key is put to keyMayHold; elsewhere only a word that lost or changed its
- * first letter can stand, and only under the two keys that go on with the
- * word's first two letters or its second and third, found by search. */
+ * first letter, or swapped it with the third, can stand, and only under
+ * the keys that go on with the word's first two letters, its second and
+ * third, or its second and first, found by search. */
 i16 rankWalkCLex(const RankWord *word, CLex *clex, const RankFrequencies *frequencies,
                  RankPool *pool)
 {
@@ -279,11 +283,12 @@ i16 rankWalkCLex(const RankWord *word, CLex *clex, const RankFrequencies *freque
                 RETURN_IF_NEG(visitKey(word, clex, index, frequencies, &trail, pool));
             continue;
         }
-        u32 lost = b << 16 | (u32)w[0] << 8 | w[1], changed = b << 16 | (u32)w[1] << 8 | w[2];
-        u32 sought[2] = {lost < changed ? lost : changed, lost < changed ? changed : lost};
-        for (int s = 0; s < 2; s++) {
-            if (s == 1 && sought[1] == sought[0])
-                break;
+        u32 sought[3] = {b << 16 | (u32)w[0] << 8 | w[1], b << 16 | (u32)w[1] << 8 | w[2],
+                         first == w[2] ? b << 16 | (u32)w[1] << 8 | w[0] : 0};
+        std::sort(sought, sought + 3);
+        for (int s = 0; s < 3; s++) {
+            if (sought[s] == 0 || (s > 0 && sought[s] == sought[s - 1]))
+                continue;
             const u32 *at = std::lower_bound(keys + from, keys + to, sought[s]);
             if (at != keys + to && *at == sought[s])
                 RETURN_IF_NEG(visitKey(word, clex, (u32)(at - keys), frequencies, &trail, pool));

@@ -343,6 +343,50 @@ TEST_F(ProgramTest, ListOptionsReachTheEngine)
     EXPECT_EQ(run({"list", "-d", lex}, "hello-world\n", dir.path).out, "");
 }
 
+TEST_F(ProgramTest, AddressesDottedWordsAndEdgeApostrophes)
+{
+    writeFile(lex, "#LID 24941\r\ndog\r\nhello\r\nthat\r\nthere\r\nstab\r\nc\r\nU\r\nS\r\ne\r\ng\r\nteh\tAthe\r\n");
+    const std::string cut(70, 'x');
+    struct Case {
+        const char *text, *reported;
+    } cases[] = {
+        // addresses, paths and tags pass; a slash inside a word is no path
+        {"http://wrold.qq/a?b=qqq wrold@qqq.org (www.wrold.hello)", ""},
+        {"/usr/wrold ~/wrold ./wrold ../wrold C:\\wrold\\qqq wrold/dog", "wrold\n"},
+        {"\"~/wrold\" wrold.com. <qqq@wrold.fi>", ""},
+        {"<wrold> </wrold> <br/> <em>wrold</em>", "wrold\n"},
+        // host and newsgroup names pass; two parts with no domain don't
+        {"wrold.org qqq.wrold.fi devvax.JPL.GOV comp.wrold.qqq", ""},
+        {"wrold.Hello qqq.wrold.Fi Dog.wrold", "wrold\nqqq\nwrold\nFi\nwrold\n"},
+        // dotted words by their parts, each failing part on its own
+        {"U.S. e.g. stab.c hello.dog. wrold.c dog.wrold", "wrold\nwrold\n"},
+        {"teh.dog", "teh\n"},
+        // apostrophes at the end, and the endings 'll 'd 've 're
+        {"'dog' lookin' there'd that'll Dog're teh'd wrold've dog's", "lookin\nteh'd\nwrold've\n"},
+        {"lookin’ dog’ there’d", "lookin\n"}, // the typographic apostrophe
+        // a word longer than 63 characters is reported once
+        {cut.c_str(), "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(run({"list", "-d", lex}, std::string(c.text) + "\n", dir.path).out, c.reported) << c.text;
+    // the words of a text, all of them as the engine read them but what
+    // the rules made of them: a failing part at its own offset
+    EXPECT_EQ(run({"pipe", "-d", lex, "--exact", "--option", "TypographicalSuggestions=0"},
+                  "^U.S. wrold.dog <wrold> qqqq'\n", dir.path)
+                  .out,
+              "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n"
+              "*\n# wrold 6\n*\n*\n# qqqq 24\n\n");
+    // a cut word is answered once, by its first 63 characters
+    EXPECT_EQ(run({"pipe", "-d", lex, "--exact", "--option", "TypographicalSuggestions=0"},
+                  "^" + cut + " dog\n", dir.path)
+                  .out,
+              "@(#) International Ispell Version 3.1.20 (but really ORTO 5.1)\n"
+              "# " + cut.substr(0, 63) + " 1\n*\n\n");
+    // the engine's own options still decide a word reported for more
+    EXPECT_EQ(run({"list", "-d", lex, "--option", "ReportDoubledWords=1"}, "wrold.org wrold.org\n", dir.path).out,
+              "wrold.org\n");
+}
+
 TEST_F(ProgramTest, SeveralLexiconsAndUnixWordLists)
 {
     // a word list as written on Linux: LF line ends and UTF-8

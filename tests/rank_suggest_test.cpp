@@ -154,6 +154,10 @@ TEST(RankedSuggest, CompressedLexiconIsWalkedWhereTheWordMayBegin)
         {"wrdl", 50, "world"},        /* two edits for a word of four */
         {"wrdl", 10, ""},             /* one at a low depth */
         {"thebes", 50, "Thebes"},     /* a capital the word lacks */
+        {"rowld", 50, "world"},       /* the first and the third swapped */
+        {"fotoe", 50, "photo"},       /* an edit more than the first walk */
+        {"karismuh", 50, "charisma"}, /* takes: the second finds them */
+        {"karismuh", 10, ""},         /* which a low depth doesn't run */
     };
     for (const Case &c : cases) {
         SuggestResult r = ranked(s.sid, c.word, 10, c.depth);

@@ -13,11 +13,14 @@
  *
  * A word that touches a foreign-letter byte is a piece of a word the
  * engine can't see whole (encoding.cpp); it is left out of the results.
+ * A reported word goes through the program's own rules for addresses,
+ * dotted words and edge apostrophes (report_rules.cpp) on its way out.
  */
 #include <string.h>
 
 #include "check_walk.h"
 #include "orto.h"
+#include "report_rules.h"
 
 static bool isFragment(const std::string &text, uint32_t offset, size_t length)
 {
@@ -112,7 +115,7 @@ int16_t walkText(int16_t sid, std::string &text, bool allWords, std::vector<Walk
             w.word = word;
             w.mask = mask;
             w.replacement = replacement;
-            words->push_back(w);
+            addReportedWord(sid, text, w, allWords, words);
         }
         int16_t next = ORTO_NextBlockWord(sid, check);
         if (next == ORTO_NotFound) {

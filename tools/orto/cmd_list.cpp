@@ -15,6 +15,7 @@
 #include "check_walk.h"
 #include "lexicons.h"
 #include "orto.h"
+#include "report_rules.h"
 
 static const size_t BlockTarget = 64 * 1024;
 
@@ -30,6 +31,7 @@ void printListHelp(FILE *out)
           "2 for a bad option.\n"
           "\n",
           out);
+    printReportRulesHelp(out);
     printCheckOptionsHelp(out);
 }
 

@@ -29,6 +29,7 @@
 #include "cmd_pipe.h"
 #include "lexicons.h"
 #include "orto.h"
+#include "report_rules.h"
 #include "suggestions.h"
 
 void printPipeHelp(FILE *out)
@@ -59,6 +60,7 @@ void printPipeHelp(FILE *out)
           "-B reports them.  Any other unknown flag is ignored with a note.\n"
           "\n",
           out);
+    printReportRulesHelp(out);
     printCheckOptionsHelp(out);
 }
 

@@ -96,7 +96,8 @@ TEST(WordCheck, RowsOfWordsOptionsAndAnswers)
          {{RunTogether, 0, "thedog", 0, nullptr}, {RunTogether, 0, "thendog", 0, nullptr},
           {RunTogether, 0, "theogre", Miss, nullptr}, {RunTogether, 0, "theDOG", 0, nullptr},
           {RunTogether, 0, "THEdog", 0, nullptr}, {RunTogether, 0, "Thedog", 0, nullptr},
-          {RunTogether, 0, "ThEdog", Miss, nullptr}, {RunTogether, 0, "thedgo", Auto, "dog"}}},
+          {RunTogether, 0, "ThEdog", Miss, nullptr}, {RunTogether, 0, "thedOG", 0, nullptr},
+          {RunTogether, 0, "thedgo", Auto, "dog"}}},
         // words are looked up as given, cut at 63
         {{accepted({"e.g.", a63.c_str()})},
          {{0, 0, "e.g.", 0, nullptr}, {0, 0, "e.g", Miss, nullptr}, {0, 0, a67.c_str(), 0, nullptr}}},

@@ -273,7 +273,7 @@ TEST_F(BlockFixture, OnlyTheFirstWordOfABlockIsHeldToACapital)
     uint32_t count = 0;
     EXPECT_EQ(ORTO_GetBlockInfo(sid, b, nullptr, nullptr, nullptr, &count), 0);
     EXPECT_EQ(count, 2u);
-    play(b, {{'c', "", ORTO_EndOfBlock}});
+    play(b, {{'g', "", ' ', "hello", 0}, {'c', "", ORTO_EndOfBlock}}); // the cursor stays
     ORTO_CloseBlock(sid, b);
 }
 

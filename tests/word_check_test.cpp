@@ -89,7 +89,8 @@ TEST(WordCheck, RowsOfWordsOptionsAndAnswers)
          {{0, 0, "well-known", 0, nullptr}, {0, 0, "well-knwon", Miss, nullptr},
           {0, 0, "well-teh", Auto, "the"}, {0, 0, "well-", 0, nullptr}, {0, 0, "well--known", Miss, nullptr},
           {0, 0, "don't", Miss, nullptr}, {Contracted, 0, "don't", 0, nullptr},
-          {Contracted, 0, "don\x92t", 0, nullptr}, {0, Hyphens, "well-known", Miss, nullptr}}},
+          {Contracted, 0, "don\x92t", 0, nullptr}, {0, Hyphens, "well-known", Miss, nullptr},
+          {Contracted, Hyphens, "well-known", Miss, nullptr}}}, // pieces at apostrophes only
         // run-together words: the longest first part, no second try
         {{{{"the", 'i', nullptr}, {"then", 'i', nullptr}, {"dog", 'i', nullptr}, {"theo", 'i', nullptr},
            {"ogre", 'i', nullptr}, {"dgo", 'A', "dog"}}},

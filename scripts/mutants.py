@@ -123,8 +123,6 @@ MUTANTS = [
      "    i16 rc = 0;"),
     # compressed lexicons
     ("key-patterns-reordered", "lexicon/clex_find.cpp", "(pattern & (1 << c))", "(pattern & (4 >> c))"),
-    ("evict-last-of-equals", "lexicon/clex_cache.cpp", "        if (s->text && (!oldest || s->lastUse < oldest->lastUse))",
-     "        if (s->text && (!oldest || s->lastUse <= oldest->lastUse))"),
     ("hit-not-marked", "lexicon/clex_cache.cpp",
      "    if (segment->text) {\n        segment->lastUse = clex->useClock;", "    if (segment->text) {"),
     ("unicode-allowed", "lexicon/clex_open.cpp", "        if (clex->charSize == CharSizeUnicode) {",

@@ -81,8 +81,9 @@ TEST(StringHelpers, CopiesStayInsideTheirSizeAndComparesAreUnsigned)
     } decimals[] = {{0, 8, "0"},       {-42, 8, "-42"}, {12345, 4, "345"}, {-45, 3, "45"},
                     {-45, 4, "-45"},   {7, 1, ""},      {INT32_MIN, 12, "-2147483648"}};
     for (const auto &d : decimals) {
-        IntToDecimal(d.value, buf, d.size);
-        EXPECT_STREQ(buf, d.text) << d.value << " in " << d.size;
+        char out[16];
+        IntToDecimal(d.value, out, d.size);
+        EXPECT_STREQ(out, d.text) << d.value << " in " << d.size;
     }
 }
 

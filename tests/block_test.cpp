@@ -70,7 +70,9 @@ struct BlockFixture : ::testing::Test {
             char out[64] = "?", replacement[64] = "?";
             int32_t rc = 0;
             switch (s.call) {
-            case 'c': rc = ORTO_CheckBlock(sid, block, out, sizeof out, replacement, sizeof replacement); break;
+            case 'c':
+                rc = ORTO_CheckBlock(sid, block, out, sizeof out, replacement, sizeof replacement);
+                break;
             case 'n': rc = ORTO_NextBlockWord(sid, block); break;
             case 'g': rc = ORTO_GetBlockWord(sid, block, out, sizeof out); break;
             case 's': rc = ORTO_SetBlockCursor(sid, block, (uint32_t)atoi(s.arg)); break;
@@ -135,7 +137,8 @@ TEST_F(BlockFixture, ScannerFindsWordsByTheContinuationRules)
         {"The end. Next", {{"The", ' '}, {"end", '.'}, {"Next", 0}}, {}},
         {"e.g. U.S.A. a.b.c. go", {{"e.g.", ' '}, {"U.S.A.", ' '}, {"a.b.c.", ' '}, {"go", 0}}, {}},
         {"x.y..z", {{"x.y.", '.'}, {"z", 0}}, {}},
-        {"'tis cat' dogs' DOGS' x", {{"tis", ' '}, {"cat'", ' '}, {"dogs", ' '}, {"DOGS", ' '}, {"x", 0}}, {}},
+        {"'tis cat' dogs' DOGS' x",
+         {{"tis", ' '}, {"cat'", ' '}, {"dogs", ' '}, {"DOGS", ' '}, {"x", 0}}, {}},
         {"3.14 1,000", {{"3.14", ' '}, {"1", ','}, {"000", 0}}, {}},
         {"ab- ab.", {{"ab", '-'}, {"ab", '.'}}, {}},
         {"don\x92t dogs\x92 x", {{"don\x92t", ' '}, {"dogs", ' '}, {"x", 0}}, {}},

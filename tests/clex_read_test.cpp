@@ -76,8 +76,8 @@ TEST_F(ClexFile, DocumentedExampleReadsBackReadOnly)
     // exact, then case-blind: found, and not found
     const std::vector<std::string> found[2] = {{"a", "walk", "walked", "walking", "walks", "wall"},
                                                {"WALKS", "A", "Walking", "wALL"}};
-    const std::vector<std::string> missing[2] = {{"A", "walke", "walz", "wal", "walkings", "wa", "b", "", "Walk"},
-                                                 {"WALKZ"}};
+    const std::vector<std::string> missing[2] = {
+        {"A", "walke", "walz", "wal", "walkings", "wa", "b", "", "Walk"}, {"WALKZ"}};
     for (int blind = 0; blind < 2; blind++) {
         caseSensitive(!blind);
         for (const std::string &w : found[blind])

@@ -20,7 +20,7 @@
 #include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
 #include "orto.h"
-#include "tests/support/clex_builder.h"
+#include "bench/clex_builder.h"
 
 namespace {
 

@@ -141,6 +141,14 @@ def main():
         4, be32(2) + b"wal" + be32(0) + be32(1) + b"aaa" + be32(1) + be32(1))
     # a file that ends inside the segment text ends there: it opens, empty
     files["cut-segment-text"] = MAGIC + s1 + s2 + s3 + be32(5) + be32(100000)
+    files["bad-extended-huge"] = MAGIC + s1 + s2 + section(3, be32(0) + be32(65536))
+    files["bad-table-cut"] = MAGIC + s1 + s2 + be32(3) + be32(9) + be32(60000) + b"abcde"
+    files["bad-no-text"] = MAGIC + s1 + s2 + s3 + section(4, be32(1) + b"wal" + be32(0) + be32(2))
+    files["bad-text-cut-under-directory"] = MAGIC + s1 + s2 + s3 + s4 + be32(5) + be32(1000) + b"\0"
+    files["bad-directory-repeat"] = MAGIC + s1 + s2 + s3 + s5 + section(
+        4, be32(2) + b"wal" + be32(0) + be32(1) + b"wal" + be32(1) + be32(1))
+    files["bad-tables-twice"] = MAGIC + s1 + s2 + s3 + s3 + s5 + s4
+    files["bad-directory-twice"] = MAGIC + s1 + s2 + s3 + s5 + s4 + s4
     bad_texts = {
         "shared-count": b"\0k\0\x05x\0",
         "first-shares": b"\x01k\0",
@@ -149,6 +157,8 @@ def main():
         "extended-number": b"\0k\x01\x07",
         "extended-cut": b"\0k\x01",
         "record-runs-past": b"\0kkk",
+        "suffix-passes-63": b"\0xxxxxxxxxx\x02\x0a" + b"y" * 42 + b"\x02",
+        "shared-count-only": b"\0",
     }
     for name, text in bad_texts.items():
         segs2 = [(b"abc", b"\0k\0"), (b"wal", text)]

@@ -35,6 +35,8 @@ TLEX = {
     "nul-bytes": lines(b"#LID 24941", b"nu\0l\ti", b"\0"),
     "latin1": lines(b"#LID 24941", b"caf\xe9\ti", b"\xc9t\xe9\tA\xe9t\xe9"),
     "cr-alone": b"#LID 24941\rword\ti\r\n",
+    # found by fuzzing: a word listed with an action and without one
+    "twice-one-without-action": lines(b"#LID 24941", b"end\ti", b"end\t", b"x\tioooo"),
 }
 
 
@@ -97,6 +99,8 @@ PIPE = {
     "long-line": b"\x04" + b"word " * 100 + b"\n",
     "no-line-end": b"\x00" + b"tehx",
     "add-bad-words": b"\x00" + lines(b"*#hash", b"*a\tb", b"* ", b"&", b"@", end=b"\n"),
+    # found by fuzzing: a line that begins with a NUL is text, not a command
+    "nul-first": b"X" + b"\0\0\0*a\tb\n*\n@\n",
 }
 
 

@@ -6,8 +6,9 @@
  *
  * Rules: any file that isn't compressed opens as a text lexicon; the list
  * fills exactly the size told; every listed entry of a storable word is
- * found with its action; and the rewritten file, read by a second client, lists the very
- * entries that its writer holds (for a plain word list, the same words).  Lines too long for the writer's limit are cut by it, so a
+ * found with its action; and the rewritten file, read by a second client,
+ * lists the very entries that its writer holds (for a plain word list, the
+ * same words).  Lines too long for the writer's limit are cut by it, so a
  * table with such an entry is spared that last rule.
  */
 #ifndef ORTO_FUZZ_TLEX_FUZZ_ONE_H

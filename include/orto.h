@@ -362,7 +362,9 @@ ORTO_API int16_t ORTO_DelBlockText(int16_t sid, int16_t block, uint32_t count);
  * from the file, which must stay in place unchanged, as lookups need them.
  * `memoryBudget` is the most bytes of its word text held in memory at once
  * (the least recently used parts go first); 0 means no limit.  It concerns
- * compressed lexicons only.  A null `fileName` counts as empty.  Returns
+ * compressed lexicons only.  A compressed file that ends between its
+ * sections, or inside its language, character size or word text, opens
+ * with what it holds up to there.  A null `fileName` counts as empty.  Returns
  * the lexicon id (0..31), ORTO_FileOpenError (the file can't be opened, or
  * the name has more than 515 characters), ORTO_TooManyLexicons,
  * ORTO_OutOfMemory (also: a part of a compressed lexicon is larger than

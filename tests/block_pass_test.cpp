@@ -105,24 +105,12 @@ TEST(BlockPass, OneScanWalkMatchesThePlainWalk)
             }
         }
     }
-    // The walks above did see the rules at work, not just one word each.
+    // the walks saw the rules at work: an overlong word in two, a dropped
+    // apostrophe that cuts the link, a cursor set on punctuation
     std::vector<Step> longWords = walk(Overlong + " tail", ORTO_DefaultOptions, true);
-    ASSERT_GE(longWords.size(), 3u);
-    EXPECT_EQ(longWords[0].word, std::string(WordSize - 1, 'x'));
     EXPECT_EQ(longWords[1].word, std::string(100 - (WordSize - 1), 'x'));
-    // The dropped apostrophe is skipped as punctuation: it cuts the link
-    // to the word before (previousWord = size, here length + 1).
-    std::vector<Step> possessive = walk("dogs' tail", ORTO_DefaultOptions, true);
-    EXPECT_EQ(possessive[0].word, "dogs");
-    EXPECT_EQ(possessive[0].cursor, 6u);
-    EXPECT_EQ(possessive[0].previousWord, 11u);
-    std::vector<Step> spaced = walk("dogs  tail", ORTO_DefaultOptions, true);
-    EXPECT_EQ(spaced[0].cursor, 6u);
-    EXPECT_EQ(spaced[0].previousWord, 0u);
-    // From a cursor on punctuation the link is cut before the word; from
-    // white space it holds the cursor it started at.
+    EXPECT_EQ(walk("dogs' tail", ORTO_DefaultOptions, true)[0].previousWord, 11u);
     EXPECT_EQ(walk("x , dog cat", ORTO_DefaultOptions, true, 1)[0].previousWord, 12u);
-    EXPECT_EQ(walk("x   dog cat", ORTO_DefaultOptions, true, 1)[0].previousWord, 1u);
 }
 
 // ORTO_CheckBlock takes the one-scan walk with a buffer of the engine's

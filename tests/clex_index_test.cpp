@@ -17,7 +17,6 @@
 #include "lexicon/clex.h"
 #include "lexicon/lexicon.h"
 #include "orto.h"
-#include "support/clex_builder.h"
 #include "support/test_support.h"
 
 namespace {
@@ -86,7 +85,7 @@ struct ClexIndex : ::testing::Test {
     {
         std::string path = dir.file("lex.clx");
         std::vector<std::string> list(words.begin(), words.end());
-        writeFile(path, clexb::fileOfWords(0x616D, list, Suffixes));
+        writeFile(path, compressedLexicon(list, Suffixes));
         return ORTO_OpenLex(sid, path.c_str(), budget);
     }
     // With a budget that holds only the larger of the segments "con" and
@@ -291,41 +290,4 @@ TEST_F(ClexIndex, DecodedWordsMatchTheCursorAndGoWithTheText)
         EXPECT_NE(dog->words, nullptr);
     }
     ORTO_CloseLex(sid, lex);
-}
-
-// The bundled lexicon: every word is found through the index, and the
-// index stays well below the text it covers.
-TEST(ClexIndexBundled, EveryListedWordIsFound)
-{
-    std::string path = std::string(ORTO_BINARY_DIR) + "/data/en-US.clx";
-    std::string list = readFile(std::string(ORTO_SOURCE_DIR) + "/data/en-US.txt");
-    if (!fileExists(path) || list.empty())
-        GTEST_SKIP() << "no bundled lexicon at " << path;
-    CLex c{};
-    ASSERT_EQ(CLex_Open(path.c_str(), 0, &c), 0);
-    size_t found = 0, words = 0;
-    for (size_t at = 0; at < list.size();) {
-        size_t end = list.find('\n', at);
-        if (end == std::string::npos)
-            end = list.size();
-        std::string w = list.substr(at, end - at);
-        if (!w.empty() && w.back() == '\r')
-            w.pop_back();
-        at = end + 1;
-        if (w.empty() || w[0] == '#')
-            continue;
-        words++;
-        found += CLex_Find(w.c_str(), 1, &c) == ORTO_Ignore;
-    }
-    EXPECT_EQ(found, words);
-    uint64_t text = 0, index = 0;
-    u32 indexed = 0;
-    for (u32 i = 0; i < c.segmentCount; i++) {
-        text += c.segments[i]->text ? c.segments[i]->length : 0;
-        index += c.segments[i]->index ? c.segments[i]->index->bytes : 0;
-        indexed += c.segments[i]->index != nullptr;
-    }
-    EXPECT_GT(indexed, 0u);
-    EXPECT_LT(index * 3, text);
-    CLex_Close(&c);
 }

@@ -1,6 +1,7 @@
 /*
  * test_support.h -- what many tests need: a temporary folder that cleans
- * itself up, whole-file reads and writes, and the debug log read back.
+ * itself up, whole-file reads and writes, the debug log read back, and
+ * compressed lexicons to read.
  */
 #ifndef ORTO_TEST_SUPPORT_H
 #define ORTO_TEST_SUPPORT_H
@@ -38,5 +39,15 @@ struct DebugCapture {
     bool has(const std::string &line) const;
     void clear() const;
 };
+
+/* The 108-byte compressed lexicon of the format's documentation: language
+ * "am", suffixes "s" and "ing", words a, walk, walked, walking, walks, wall. */
+std::string exampleLexicon();
+
+/* A compressed lexicon of `words` (sorted by bytes) made by the engine's
+ * own compressor, with the suffix tables given; its bytes. */
+std::string compressedLexicon(const std::vector<std::string> &words,
+                              const std::vector<std::string> &simple = {},
+                              const std::vector<std::string> &extended = {});
 
 #endif

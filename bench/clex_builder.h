@@ -1,13 +1,13 @@
 /*
- * clex_builder.h -- compressed lexicon files built byte by byte, for tests
- * and benchmarks of the reader: whole files from a word list, and the
+ * clex_builder.h -- compressed lexicon files built byte by byte, for the
+ * benchmarks of the reader: whole files from a word list, and the
  * pieces (sections, tables, directory, segment text) to assemble damaged
  * ones.  It encodes as the writer does: the shared count is the common
  * tail of two neighbours, and the first suffix that is the whole rest of a
  * word replaces it, simple table first.
  */
-#ifndef ORTO_TESTS_CLEX_BUILDER_H
-#define ORTO_TESTS_CLEX_BUILDER_H
+#ifndef ORTO_BENCH_CLEX_BUILDER_H
+#define ORTO_BENCH_CLEX_BUILDER_H
 
 #include <stdint.h>
 

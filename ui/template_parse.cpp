@@ -301,6 +301,18 @@ static int32_t parseNumber(Parser *ps)
     return (int32_t)v.value;
 }
 
+/* x, y, cx, cy */
+static void parseRectangle(Parser *ps, int32_t *x, int32_t *y, int32_t *cx, int32_t *cy)
+{
+    *x = parseNumber(ps);
+    expectComma(ps);
+    *y = parseNumber(ps);
+    expectComma(ps);
+    *cx = parseNumber(ps);
+    expectComma(ps);
+    *cy = parseNumber(ps);
+}
+
 static std::string parseString(Parser *ps)
 {
     if (ps->token.kind != TokString) {
@@ -378,13 +390,7 @@ static void parseControl(Parser *ps, DialogTemplate *dialog)
         snprintf(c.className, sizeof c.className, "%s", statement->className);
     }
     expectComma(ps);
-    c.x = parseNumber(ps);
-    expectComma(ps);
-    c.y = parseNumber(ps);
-    expectComma(ps);
-    c.cx = parseNumber(ps);
-    expectComma(ps);
-    c.cy = parseNumber(ps);
+    parseRectangle(ps, &c.x, &c.y, &c.cx, &c.cy);
     if (!generic && isPunct(ps, ',')) {
         nextToken(ps);
         style = parseExpression(ps);
@@ -429,13 +435,7 @@ static void parseDialog(Parser *ps, std::vector<DialogTemplate> *out)
         return;
     }
     nextToken(ps);
-    d.x = parseNumber(ps);
-    expectComma(ps);
-    d.y = parseNumber(ps);
-    expectComma(ps);
-    d.cx = parseNumber(ps);
-    expectComma(ps);
-    d.cy = parseNumber(ps);
+    parseRectangle(ps, &d.x, &d.y, &d.cx, &d.cy);
     if (isPunct(ps, ',')) { /* DIALOGEX help id */
         nextToken(ps);
         parseNumber(ps);

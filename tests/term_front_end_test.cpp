@@ -154,6 +154,8 @@ TEST(TerminalFrontEnd, EveryControlKindByKeysAndTheMouse)
         {"Up Up", "command 111 0", "\u25C9 Small"},
         {"M-k F4 Down Down", "command 106 1 at 2", "Cherry"},
         {"Enter", "command 106 1 at 2", "Kind:     Cherry"},
+        {"F4 Up", "command 106 1 at 1", "Kind:     Banana"},
+        {"Escape", "command 106 1 at 2", "Kind:     Cherry"}, /* gives back the pick it had */
         {"M-e x y", "command 108 5 at -1", "Entry:    xy "},
         {"Down", "command 108 1 at 0", "Entry:    na\u00EFve"},
     };

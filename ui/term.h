@@ -45,6 +45,7 @@ struct TermState {
     std::map<HWND, uint32_t> caret;   /* caret of each field */
     std::map<HWND, uint32_t> scroll;  /* first shown character of a field, first line of a pane */
     HWND enterOnList;                 /* the list that took the last Enter, for a double Enter */
+    std::map<HWND, int32_t> selectionAtDrop; /* a drop-down list's selection when it opened */
     std::map<HWND, Placement> placed; /* where the panes and dialogs were put, for resizes */
 };
 extern TermState term;

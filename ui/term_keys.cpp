@@ -42,6 +42,25 @@ static std::vector<Window *> focusOrder(Window *d)
     return order;
 }
 
+/* Opens or closes a drop-down list; Escape gives back the selection it
+ * had when it opened. */
+static void dropDown(Window *w, bool open)
+{
+    if (open && !w->dropped)
+        term.selectionAtDrop[w->handle] = w->curSel;
+    w->dropped = open;
+}
+
+static int32_t cancelDropDown(Window *w)
+{
+    w->dropped = 0;
+    int32_t before = term.selectionAtDrop.count(w->handle) ? term.selectionAtDrop[w->handle] : w->curSel;
+    if (before == w->curSel)
+        return NoCommand;
+    SendMessageA(w->handle, ORTO_CB_SETCURSEL, (uintptr_t)(intptr_t)before, 0);
+    return commandOf(w, ORTO_CBN_SELCHANGE);
+}
+
 static void setFocus(Window *d, Window *w)
 {
     /* a drop-down list closes when the focus leaves its box */
@@ -347,7 +366,7 @@ static int32_t mouseClick(Window *d)
             return commandOf(c, ORTO_CBN_SELCHANGE);
         }
         if (c->kind == KindComboBox)
-            c->dropped = !c->dropped;
+            dropDown(c, !c->dropped);
         if (editsText(c)) {
             uint32_t at = term.scroll[c->handle] + (uint32_t)(event.x - r.left);
             term.caret[c->handle] = at < c->text.size() ? at : (uint32_t)c->text.size();
@@ -398,7 +417,7 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
             return enter(d, f);
         case KEY_F(4):
             if (f && f->kind == KindComboBox && (f->style & CBS_TYPEMASK) != CBS_SIMPLE)
-                f->dropped = !f->dropped;
+                dropDown(f, !f->dropped);
             return NoCommand;
         default:
             break;
@@ -444,14 +463,12 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
         wint_t next;
         bool nextIsCode;
         if (!readKey(&next, &nextIsCode, 60)) { /* Escape alone: close */
-            if (f && f->kind == KindComboBox && f->dropped) {
-                f->dropped = 0;
-                return NoCommand;
-            }
+            if (f && f->kind == KindComboBox && f->dropped)
+                return cancelDropDown(f);
             return -1;
         }
         if (nextIsCode && next == KEY_DOWN && f && f->kind == KindComboBox) {
-            f->dropped = 1;
+            dropDown(f, true);
             return NoCommand;
         }
         return nextIsCode ? NoCommand : mnemonic(d, next);

@@ -294,3 +294,22 @@ TEST(TerminalFrontEnd, ATerminalThatCantShowTheDialogsIsSaidSoAndTheHostGoesOn)
         EXPECT_NE(shown.find("result -17"), std::string::npos) << shown;
     }
 }
+
+/* The context pane breaks its lines at blanks, and a person can scroll it
+ * with the keys once it has the focus; a new problem brings the word back
+ * into view. */
+TEST(TerminalFrontEnd, TheContextPaneWrapsAtBlanksAndScrollsByKeys)
+{
+    TermFixture f;
+    std::string text;
+    for (int i = 1; i <= 30; i++)
+        text += "Line " + std::to_string(i) + " has wrods. ";
+    TmuxSession t(f.host("check " + TmuxSession::quote(text)));
+    ASSERT_TRUE(t.waitFor("Not in Dictionary:wrods")) << t.screen();
+    EXPECT_NE(t.screen().find("Line 11 has   "), std::string::npos) << t.screen(); /* no word cut */
+    EXPECT_EQ(t.screen().find("Line 30"), std::string::npos);
+    t.keys("BTab BTab NPage NPage");
+    ASSERT_TRUE(t.waitFor("Line 30 has wrods.")) << t.screen();
+    t.keys("M-i");
+    ASSERT_TRUE(t.waitFor("Line 30 has wrods.", 20, true)) << t.screen();
+}

@@ -46,6 +46,8 @@ struct TermState {
     std::map<HWND, uint32_t> scroll;  /* first shown character of a field, first line of a pane */
     HWND enterOnList;                 /* the list that took the last Enter, for a double Enter */
     std::map<HWND, int32_t> selectionAtDrop; /* a drop-down list's selection when it opened */
+    std::map<HWND, int32_t> paneShift;       /* lines a pane is scrolled by keys from where its selection puts it */
+    std::map<HWND, uint32_t> paneSelection;  /* the selection the shift was made at */
     std::map<HWND, Placement> placed; /* where the panes and dialogs were put, for resizes */
 };
 extern TermState term;

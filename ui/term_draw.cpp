@@ -92,16 +92,23 @@ static void paneLines(const std::string &text, int width, std::vector<uint32_t> 
 {
     starts->clear();
     starts->push_back(0);
-    int column = 0;
+    uint32_t lineStart = 0, afterBlank = 0; /* where the line began, and behind its last blank */
     for (uint32_t i = 0; i < text.size(); i++) {
         char c = text[i];
         if (c == '\n' || (c == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n'))) {
             starts->push_back(i + 1);
-            column = 0;
-        } else if (c != '\r' && ++column >= width && i + 1 < text.size() && text[i + 1] != '\n' &&
-                   text[i + 1] != '\r') {
-            starts->push_back(i + 1);
-            column = 0;
+            lineStart = afterBlank = i + 1;
+            continue;
+        }
+        if (c == ' ' || c == '\t')
+            afterBlank = i + 1;
+        bool more = i + 1 < text.size() && text[i + 1] != '\n' && text[i + 1] != '\r';
+        if (c != '\r' && i + 1 - lineStart >= (uint32_t)width && more) {
+            /* a long line breaks behind its last blank, else where it is full */
+            uint32_t cut = text[i + 1] == ' ' ? i + 2 /* the blank hangs past the edge */
+                           : afterBlank > lineStart ? afterBlank : i + 1;
+            starts->push_back(cut);
+            lineStart = afterBlank = cut;
         }
     }
 }
@@ -128,6 +135,16 @@ static void drawPane(Window *w, RECT r, bool framed)
     uint32_t first = line > (uint32_t)height / 3 ? line - (uint32_t)height / 3 : 0;
     if (first + (uint32_t)height > starts.size())
         first = starts.size() > (uint32_t)height ? (uint32_t)(starts.size() - (size_t)height) : 0;
+    /* the user's own scrolling holds until the selection moves */
+    if (term.paneSelection[w->handle] != w->selStart) {
+        term.paneSelection[w->handle] = w->selStart;
+        term.paneShift[w->handle] = 0;
+    }
+    int64_t shifted = (int64_t)first + term.paneShift[w->handle];
+    int64_t lastFirst = starts.size() > (size_t)height ? (int64_t)(starts.size() - (size_t)height) : 0;
+    shifted = shifted < 0 ? 0 : shifted > lastFirst ? lastFirst : shifted;
+    term.paneShift[w->handle] = (int32_t)(shifted - (int64_t)first);
+    first = (uint32_t)shifted;
     term.scroll[w->handle] = first;
     Pen pen = currentPen();
     for (int row = 0; row < height; row++) {

@@ -439,6 +439,16 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
             if (f->kind == KindListBox && (key == KEY_HOME || key == KEY_END))
                 return moveInList(f, key == KEY_HOME ? -1 : 1, true);
         }
+        if (f && f->kind == KindEdit && (f->style & ES_MULTILINE) && !editsText(f)) {
+            /* a pane to read: the keys scroll it */
+            int page = f->height > 3 ? f->height - 2 : 1;
+            int32_t step = key == KEY_UP ? -1 : key == KEY_DOWN ? 1 : key == KEY_PPAGE ? -page
+                         : key == KEY_NPAGE ? page : 0;
+            if (step) {
+                term.paneShift[f->handle] += step;
+                return NoCommand;
+            }
+        }
         if (f && isRadio(f) && (key == KEY_UP || key == KEY_LEFT || key == KEY_DOWN || key == KEY_RIGHT))
             return moveInGroup(d, f, key == KEY_UP || key == KEY_LEFT ? -1 : 1);
         if (f && editsText(f))

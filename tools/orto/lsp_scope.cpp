@@ -1,8 +1,9 @@
 /*
  * lsp_scope.cpp -- what of a document is checked, by its languageId.
  *
- * Plain text is checked whole.  Markdown loses its front matter, fenced
- * and inline code, HTML tags, link targets and reference labels, and URLs.
+ * Plain text is checked whole.  Markdown loses its front matter, fenced,
+ * indented and inline code, HTML tags, link targets and reference labels,
+ * and URLs.
  * Source code keeps only its comments and string literals, found by a
  * small table of comment and string syntax per language family; a
  * language the table lacks is checked as plain text.
@@ -122,11 +123,18 @@ static void hideUrls(std::string *s, size_t from, size_t to)
 
 /* ---- Markdown ---- */
 
+/* A line's state: the block it is in (low 16 bits), whether a paragraph
+ * is open (an indented line then continues it rather than being code), and
+ * the column where the innermost list item's text begins (0: no list), so
+ * that an item's indented paragraphs stay text and its code needs 4 more. */
 enum {
     MarkdownText = 0,
     MarkdownYaml = 1,       /* front matter between --- lines */
     MarkdownToml = 2,       /* front matter between +++ lines */
     MarkdownFence = 0x1000, /* | 0x800 for ~~~, | the fence length (up to 0x7FF) */
+    MarkdownBlockMask = 0xFFFF,
+    MarkdownParagraph = 0x10000,
+    MarkdownListShift = 20, /* 8 bits of list column */
 };
 
 static std::string trimmed(const std::string &s)
@@ -255,12 +263,47 @@ static void hideMarkdownInline(std::string *s)
     }
 }
 
+/* Columns of blank before the line's first other character, a tab
+ * going on to the next multiple of 4; `at` gets that character's index. */
+static size_t indentOf(const std::string &s, size_t *at)
+{
+    size_t col = 0, i = 0;
+    for (; i < s.size() && (s[i] == ' ' || s[i] == '\t'); i++)
+        col = s[i] == '\t' ? (col / 4 + 1) * 4 : col + 1;
+    *at = i;
+    return col;
+}
+
+/* A list item's marker at `at` (-, * or + or 1-9 digits with . or ), then
+ * a blank): the column where the item's text begins, or 0 when none. */
+static size_t listItemText(const std::string &s, size_t at, size_t col)
+{
+    size_t i = at;
+    if (i < s.size() && s[i] && strchr("-*+", s[i]))
+        i++;
+    else {
+        while (i < s.size() && i - at < 9 && s[i] >= '0' && s[i] <= '9')
+            i++;
+        if (i == at || i >= s.size() || (s[i] != '.' && s[i] != ')'))
+            return 0;
+        i++;
+    }
+    if (i >= s.size() || s[i] != ' ')
+        return 0;
+    size_t blanks = s.find_first_not_of(' ', i);
+    blanks = blanks == std::string::npos ? 1 : blanks - i;
+    return col + (i - at) + (blanks <= 4 ? blanks : 1);
+}
+
 static uint32_t scanMarkdown(const std::string &text, size_t lineIndex, uint32_t state, std::string *engine)
 {
     std::string line = trimmed(text);
-    if (state == MarkdownYaml || state == MarkdownToml) {
+    uint32_t block = state & MarkdownBlockMask;
+    size_t list = state >> MarkdownListShift;
+    uint32_t keepList = state & ~(uint32_t)(MarkdownBlockMask | MarkdownParagraph);
+    if (block == MarkdownYaml || block == MarkdownToml) {
         hide(engine, 0, engine->size());
-        bool end = state == MarkdownYaml ? line == "---" || line == "..." : line == "+++";
+        bool end = block == MarkdownYaml ? line == "---" || line == "..." : line == "+++";
         return end ? (uint32_t)MarkdownText : state;
     }
     if (lineIndex == 0 && (text == "---" || text == "+++")) {
@@ -270,20 +313,35 @@ static uint32_t scanMarkdown(const std::string &text, size_t lineIndex, uint32_t
     char fence;
     size_t count;
     bool bare;
-    if (state & MarkdownFence) {
+    if (block & MarkdownFence) {
         hide(engine, 0, engine->size());
-        char open = (state & 0x800) ? '~' : '`';
-        size_t openCount = state & 0x7FF;
+        char open = (block & 0x800) ? '~' : '`';
+        size_t openCount = block & 0x7FF;
         if (fenceLine(text, &fence, &count, &bare) && fence == open && count >= openCount && bare)
-            return MarkdownText;
+            return keepList | MarkdownText;
         return state;
+    }
+    if (line.empty())
+        return keepList;
+    size_t at;
+    size_t col = indentOf(text, &at);
+    /* indented code: 4 columns past the list's text, not inside a paragraph */
+    if (col >= list + 4 && !(state & MarkdownParagraph)) {
+        hide(engine, 0, engine->size());
+        return keepList;
     }
     if (fenceLine(text, &fence, &count, &bare)) {
         hide(engine, 0, engine->size());
-        return MarkdownFence | (fence == '~' ? 0x800 : 0) | (uint32_t)(count < 0x7FF ? count : 0x7FF);
+        return keepList | MarkdownFence | (fence == '~' ? 0x800 : 0) | (uint32_t)(count < 0x7FF ? count : 0x7FF);
     }
     hideMarkdownInline(engine);
-    return MarkdownText;
+    size_t item = col < list + 4 ? listItemText(text, at, col) : 0;
+    if (item > 0)
+        list = item < 0xFF ? item : 0xFF;
+    else if (list > 0 && col < list && !(state & MarkdownParagraph))
+        list = 0; /* text back at the margin after a blank line ends the list */
+    bool heading = col < 4 && text[at] == '#';
+    return (uint32_t)(list << MarkdownListShift) | (heading ? 0 : MarkdownParagraph);
 }
 
 bool endsBlock(const Document &doc, size_t i)

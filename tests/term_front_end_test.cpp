@@ -135,6 +135,10 @@ TEST(TerminalFrontEnd, EveryControlKindByKeysAndTheMouse)
     t.keys("Home DC End Left");
     t.keys("-", true);
     ASSERT_TRUE(t.waitFor("Name:     af-é ")) << t.screen();
+    /* a pasted line end is a blank, not Enter on OK */
+    t.run("set-buffer " + TmuxSession::quote("x\ny"));
+    t.run("paste-buffer -p");
+    ASSERT_TRUE(t.waitFor("Name:     af-x yé ")) << t.screen();
 
     struct Act {
         const char *keys;
@@ -181,7 +185,7 @@ TEST(TerminalFrontEnd, EveryControlKindByKeysAndTheMouse)
     EXPECT_NE(t.screen().find("result 1"), std::string::npos);
     std::string text = readFile(log);
     EXPECT_EQ(text.find("command 114"), std::string::npos) << text;
-    EXPECT_NE(text.find("command 1 0\nname=af-\xE9\nitems=3\nkind=Banana\nword=na\xEFve\nchecks=10 radios=100\n"),
+    EXPECT_NE(text.find("command 1 0\nname=af-x y\xE9\nitems=3\nkind=Banana\nword=na\xEFve\nchecks=10 radios=100\n"),
               std::string::npos)
         << text;
 }

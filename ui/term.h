@@ -49,7 +49,11 @@ struct TermState {
     std::map<HWND, int32_t> paneShift;       /* lines a pane is scrolled by keys from where its selection puts it */
     std::map<HWND, uint32_t> paneSelection;  /* the selection the shift was made at */
     std::map<HWND, Placement> placed; /* where the panes and dialogs were put, for resizes */
+    bool pasting;                     /* between a bracketed paste's start and end */
 };
+
+/* The key codes curses gives for the start and end of a bracketed paste. */
+enum { KeyPasteStart = 0x7100, KeyPasteEnd = 0x7101 };
 extern TermState term;
 
 /* The screen: started at the first need, given back to the shell when the

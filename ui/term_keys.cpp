@@ -497,6 +497,24 @@ static int32_t handleKey(Window *d, wint_t key, bool isCode)
     return NoCommand;
 }
 
+/* A pasted character goes into the field with the focus, a line end or
+ * tab as one blank (a CR LF too); with no field to take it, a paste does
+ * nothing, so that no letter of it works as a mnemonic. */
+static int32_t pastedKey(Window *d, wint_t key, bool isCode)
+{
+    static wint_t last;
+    wint_t before = last;
+    last = key;
+    Window *f = focused(d);
+    if (isCode || !f || !editsText(f) || (key == '\n' && before == '\r'))
+        return NoCommand;
+    if (key == '\r' || key == '\n' || key == '\t')
+        key = ' ';
+    else if (key < ' ' || key == 127)
+        return NoCommand;
+    return editField(f, key, false);
+}
+
 int32_t termNextCommand(HWND dialog)
 {
     if (!termStart())
@@ -514,6 +532,16 @@ int32_t termNextCommand(HWND dialog)
         bool isCode;
         if (!readKey(&key, &isCode))
             continue;
+        if (isCode && (key == KeyPasteStart || key == KeyPasteEnd)) {
+            term.pasting = key == KeyPasteStart;
+            continue;
+        }
+        if (term.pasting) {
+            int32_t command = pastedKey(d, key, isCode);
+            if (command != NoCommand)
+                return command;
+            continue;
+        }
         if (tooSmall() && !(isCode && key == KEY_RESIZE) && key != 27)
             continue;
         int32_t command = handleKey(d, key, isCode);

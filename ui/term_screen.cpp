@@ -126,6 +126,22 @@ bool termUsable(void)
     return usable != 0;
 }
 
+/* Bracketed paste, so that a pasted line end is text, not Enter on the
+ * default button.  The terminal's own sequences when its terminfo entry
+ * has them, else xterm's, which terminals that lack the mode ignore (tmux
+ * runs programs as "screen", whose entry doesn't list them). */
+static const char *pasteCap(const char *name, const char *xterm)
+{
+    char *cap = tigetstr(name);
+    return cap && cap != (char *)-1 && *cap ? cap : xterm;
+}
+
+static void bracketedPaste(bool on)
+{
+    fputs(on ? pasteCap("BE", "\033[?2004h") : pasteCap("BD", "\033[?2004l"), stdout);
+    fflush(stdout);
+}
+
 bool termStart(void)
 {
     if (term.active)
@@ -158,10 +174,13 @@ bool termStart(void)
         keypad(stdscr, TRUE);
         mousemask(BUTTON1_CLICKED | BUTTON1_DOUBLE_CLICKED | BUTTON1_PRESSED, nullptr);
         mouseinterval(300);
+        define_key(pasteCap("PS", "\033[200~"), KeyPasteStart);
+        define_key(pasteCap("PE", "\033[201~"), KeyPasteEnd);
     } else {
         reset_prog_mode();
         refresh();
     }
+    bracketedPaste(true);
     term.active = true;
     getmaxyx(stdscr, term.rows, term.cols);
     return true;
@@ -175,7 +194,9 @@ void termStop(void)
     refresh();
     def_prog_mode();
     endwin();
+    bracketedPaste(false);
     term.active = false;
+    term.pasting = false;
 }
 
 void termFrontEndIdle(void) { termStop(); }

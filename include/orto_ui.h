@@ -186,6 +186,14 @@ ORTO_API int32_t ORTO_EndDialog(ORTO_HWND dialog, intptr_t result);
  * regard to case; else the result is null.  The control has no text limit
  * until ORTO_EM_LIMITTEXT sets one. */
 ORTO_API ORTO_HWND ORTO_CreateTextControl(const char *className, const char *text);
+/* For a host that keeps each character Windows Latin-1 lacks behind one
+ * stand-in byte of a text control made by ORTO_CreateTextControl: the
+ * front end shows the k-th `byte` of the control's text as `chars[k]`
+ * (the UTF-8 of one character), and the byte itself past the last one.
+ * The list is copied; `count` 0 clears it.  Returns 1, or 0 for a bad
+ * handle or a null entry. */
+ORTO_API int32_t   ORTO_SetShownCharacters(ORTO_HWND control, unsigned char byte, const char *const *chars,
+                                           uint32_t count);
 /* Places a window in screen cells: a dialog or a control of its own on the
  * screen, a control of a dialog relative to the dialog's client area. */
 ORTO_API void      ORTO_MoveWindow(ORTO_HWND window, int32_t x, int32_t y, int32_t width, int32_t height);

@@ -81,6 +81,8 @@ TEST(OrtoCheckInTmux, AFileComesBackByteForByteOrWithOneWordChanged)
     {
         TmuxSession t(r.command());
         ASSERT_TRUE(t.waitFor("Not in Dictionary:wrold")) << t.screen();
+        EXPECT_TRUE(t.waitFor("\xCE\x9A\xCE\xB1\xCE\xBB\xCE\xB7\xCE\xBC\xCE\xAD\xCF\x81\xCE\xB1 \xF0\x9F\x98\x80 wrold"))
+            << t.screen(); /* the document shows what the file has */
         t.keys("M-i");
         ASSERT_TRUE(t.waitFor("Not in Dictionary:teh")) << t.screen();
         t.keys("M-i");

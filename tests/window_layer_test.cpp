@@ -409,7 +409,11 @@ TEST(TextControl, SelectionsReplacementsLimitsAndRanges)
     EXPECT_EQ(ORTO_SendMessage(c, ORTO_EM_GETSEL, (uintptr_t)&start, (intptr_t)&end), -1);
     EXPECT_EQ((std::vector<uint32_t>{start, end}), (std::vector<uint32_t>{66000, 66010}));
 
+    const char *shown[] = {"\xCE\xB1", nullptr};
+    EXPECT_EQ(ORTO_SetShownCharacters(c, 0x81, shown, 1), 1);
+    EXPECT_EQ(ORTO_SetShownCharacters(c, 0x81, shown, 2), 0); /* a null entry */
     ORTO_DestroyWindow(c);
+    EXPECT_EQ(ORTO_SetShownCharacters(c, 0x81, shown, 1), 0);
     char text[4] = "old";
     EXPECT_EQ(ORTO_GetWindowText(c, text, sizeof text), 0);
     EXPECT_STREQ(text, "");

@@ -11,7 +11,9 @@
 #include <ncursesw/curses.h>
 
 #include <string.h>
+#include <wchar.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "ui/term.h"
@@ -113,6 +115,26 @@ static void paneLines(const std::string &text, int width, std::vector<uint32_t> 
     }
 }
 
+/* The character a host keeps behind its k-th stand-in byte, if it takes
+ * one cell, or two and they are free; returns the cells used, 0 when the
+ * byte is to be shown instead.  A line with wide characters may end a
+ * cell or two short: its breaks are counted in bytes. */
+static int putShownChar(Window *w, size_t k, int y, int x, int room)
+{
+    if (k >= w->shownChars.size() || y < 0 || y >= term.rows || x < 0)
+        return 0;
+    wchar_t wc[2] = {0, 0};
+    mbstate_t state = mbstate_t();
+    const std::string &utf8 = w->shownChars[k];
+    if (mbrtowc(&wc[0], utf8.c_str(), utf8.size(), &state) != utf8.size())
+        return 0;
+    int cells = wcwidth(wc[0]);
+    if (cells < 1 || cells > room || x + cells > term.cols)
+        return 0;
+    mvaddwstr(y, x, wc);
+    return cells;
+}
+
 /* A multi-line text: the selection on show and marked. */
 static void drawPane(Window *w, RECT r, bool framed)
 {
@@ -147,20 +169,29 @@ static void drawPane(Window *w, RECT r, bool framed)
     first = (uint32_t)shifted;
     term.scroll[w->handle] = first;
     Pen pen = currentPen();
+    size_t standIns = 0; /* stand-in bytes before the one drawn */
     for (int row = 0; row < height; row++) {
         size_t k = first + (size_t)row;
         if (k >= starts.size())
             break;
         uint32_t from = starts[k], to = k + 1 < starts.size() ? starts[k + 1] : (uint32_t)w->text.size();
+        if (row == 0 && !w->shownChars.empty())
+            standIns = (size_t)std::count(w->text.begin(), w->text.begin() + from, (char)w->shownByte);
         for (uint32_t i = from, col = 0; i < to && col < (uint32_t)width; i++) {
             char c = w->text[i];
             if (c == '\n' || c == '\r')
                 continue;
             if (i >= w->selStart && i < w->selEnd)
                 attrset(COLOR_PAIR(PairSelected) | A_REVERSE);
-            putText(top + row, left + (int)col, std::string(1, c == '\t' ? ' ' : c), 1);
+            int cells = 0;
+            if (!w->shownChars.empty() && (unsigned char)c == w->shownByte)
+                cells = putShownChar(w, standIns++, top + row, left + (int)col, width - (int)col);
+            if (cells == 0) {
+                putText(top + row, left + (int)col, std::string(1, c == '\t' ? ' ' : c), 1);
+                cells = 1;
+            }
             usePen(pen);
-            col++;
+            col += (uint32_t)cells;
         }
     }
 }

@@ -104,6 +104,8 @@ struct Window {
     uint32_t selStart, selEnd;    /* selection, selStart <= selEnd <= text length */
     uint32_t textLimit;           /* most characters EM_REPLACESEL may leave; 0: none */
     uint32_t scrollTo;            /* position that EM_SCROLLCARET brought into view */
+    unsigned char shownByte;      /* the host's stand-in byte, shown as... */
+    std::vector<std::string> shownChars; /* ...these characters (UTF-8), in text order */
 
     /* list boxes and combo boxes */
     std::vector<ListItem> items;

@@ -321,6 +321,23 @@ ORTO_API ORTO_HWND ORTO_CreateTextControl(const char *className, const char *tex
     return h;
 }
 
+ORTO_API int32_t ORTO_SetShownCharacters(ORTO_HWND control, unsigned char byte, const char *const *chars,
+                                         uint32_t count)
+{
+    Window *w = windowOf(control);
+    if (!w || w->kind != KindEdit || w->parent || (count && !chars))
+        return 0;
+    std::vector<std::string> shown;
+    for (uint32_t k = 0; k < count; k++) {
+        if (!chars[k])
+            return 0;
+        shown.emplace_back(chars[k]);
+    }
+    w->shownByte = byte;
+    w->shownChars.swap(shown);
+    return 1;
+}
+
 ORTO_API void ORTO_MoveWindow(ORTO_HWND window, int32_t x, int32_t y, int32_t width, int32_t height)
 {
     MoveWindow(window, x, y, width, height, 1);

@@ -65,13 +65,18 @@ static void placeDocument(ORTO_HWND control)
     ORTO_MoveWindow(control, 0, 0, columns, height < MinDocumentRows ? MinDocumentRows : height);
 }
 
-/* Runs the dialog over `text` (engine text) in a text control; `text`
- * becomes the control's text afterwards.  Returns the dialog's result. */
-static int16_t checkInControl(std::string *text)
+/* Runs the dialog over `text` (engine text) in a text control, which
+ * shows the characters the stand-in bytes keep; `text` becomes the
+ * control's text afterwards.  Returns the dialog's result. */
+static int16_t checkInControl(const TextFile &file, std::string *text)
 {
     ORTO_HWND control = ORTO_CreateTextControl("EDIT", text->c_str());
     if (!control)
         return ORTO_OutOfMemory;
+    std::vector<const char *> kept;
+    for (const std::string &c : file.kept)
+        kept.push_back(c.c_str());
+    ORTO_SetShownCharacters(control, ForeignLetterByte, kept.data(), (uint32_t)kept.size());
     placeDocument(control);
     int16_t rc = ORTO_CheckCtrlDlg(nullptr, control, 0);
     intptr_t length = ORTO_SendMessage(control, ORTO_WM_GETTEXTLENGTH, 0, 0);
@@ -92,7 +97,7 @@ int checkFiles(const std::vector<std::string> &paths, TextEncoding encoding)
             status = ExitFailure;
             continue;
         }
-        int16_t rc = checkInControl(&text);
+        int16_t rc = checkInControl(file, &text);
         if (rc != 0 && rc != ORTO_Cancelled && rc != ORTO_BufferTooSmall && rc != ORTO_OutOfMemory) {
             /* the dialog couldn't start: no change was made */
             printError("the check can't start: %s", resultText(rc));

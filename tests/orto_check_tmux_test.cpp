@@ -72,8 +72,16 @@ TEST(OrtoCheckInTmux, ASessionOfEveryKindOfAnswer)
 
 TEST(OrtoCheckInTmux, AFileComesBackByteForByteOrWithOneWordChanged)
 {
-    const std::string original = "\xEF\xBB\xBF\xCE\x9A\xCE\xB1\xCE\xBB\xCE\xB7\xCE\xBC\xCE\xAD\xCF\x81\xCE\xB1 "
-                                 "\xF0\x9F\x98\x80 wrold\r\nsecond line teh"; /* BOM, Greek, emoji, CR LF, no final newline */
+    auto wide = [](int n) {
+        std::string s;
+        while (n-- > 0)
+            s += "\xE6\x97\xA5"; /* a character two cells wide */
+        return s;
+    };
+    const std::string original = std::string("\xEF\xBB\xBF\xCE\x9A\xCE\xB1\xCE\xBB\xCE\xB7\xCE\xBC\xCE\xAD\xCF\x81\xCE\xB1 "
+                                 "\xF0\x9F\x98\x80 wrold\r\nsecond line teh\r\n") +
+                                 wide(45) + " end";
+    /* BOM, Greek, emoji, CR LF, a line of wide characters, no final newline */
     CheckRun r;
     writeFile(r.file, original);
     struct stat before;
@@ -83,6 +91,7 @@ TEST(OrtoCheckInTmux, AFileComesBackByteForByteOrWithOneWordChanged)
         ASSERT_TRUE(t.waitFor("Not in Dictionary:wrold")) << t.screen();
         EXPECT_TRUE(t.waitFor("\xCE\x9A\xCE\xB1\xCE\xBB\xCE\xB7\xCE\xBC\xCE\xAD\xCF\x81\xCE\xB1 \xF0\x9F\x98\x80 wrold"))
             << t.screen(); /* the document shows what the file has */
+        EXPECT_NE(t.screen().find(wide(40) + "\n" + wide(5) + " end"), std::string::npos) << t.screen();
         t.keys("M-i");
         ASSERT_TRUE(t.waitFor("Not in Dictionary:teh")) << t.screen();
         t.keys("M-i");

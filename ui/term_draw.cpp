@@ -88,48 +88,79 @@ void frame(int top, int left, int height, int width)
     mvaddch(top + height - 1, left + width - 1, ACS_LRCORNER);
 }
 
-/* Lines of a text as a pane shows them: cut at line ends and at the
- * width.  Each entry is the position where a shown line starts. */
-static void paneLines(const std::string &text, int width, std::vector<uint32_t> *starts)
+/* The character a host keeps behind its k-th stand-in byte, and the
+ * cells it takes: 0 when there is none to show (the byte is shown). */
+static int shownChar(const Window *w, size_t k, wchar_t *wc)
 {
+    if (k >= w->shownChars.size())
+        return 0;
+    mbstate_t state = mbstate_t();
+    const std::string &utf8 = w->shownChars[k];
+    if (mbrtowc(wc, utf8.c_str(), utf8.size(), &state) != utf8.size())
+        return 0;
+    int cells = wcwidth(*wc);
+    return cells == 1 || cells == 2 ? cells : 0;
+}
+
+/* Cells of the byte at `i`, the k-th stand-in if it is one. */
+static uint32_t cellsAt(const Window *w, uint32_t i, size_t k)
+{
+    wchar_t wc;
+    int cells = (unsigned char)w->text[i] == w->shownByte && !w->shownChars.empty() ? shownChar(w, k, &wc) : 1;
+    return cells > 0 ? (uint32_t)cells : 1;
+}
+
+/* Lines of a text as a pane shows them: cut at line ends and at the
+ * width, in cells (a character a host keeps behind a stand-in byte may
+ * take two).  Each entry is the position where a shown line starts. */
+static void paneLines(const Window *w, int width, std::vector<uint32_t> *starts)
+{
+    const std::string &text = w->text;
+    bool shown = !w->shownChars.empty();
     starts->clear();
     starts->push_back(0);
     uint32_t lineStart = 0, afterBlank = 0; /* where the line began, and behind its last blank */
+    uint32_t lineCells = 0, blankCells = 0; /* cells from each of them up to here */
+    size_t k = 0;                           /* stand-in bytes before this one */
     for (uint32_t i = 0; i < text.size(); i++) {
         char c = text[i];
         if (c == '\n' || (c == '\r' && (i + 1 >= text.size() || text[i + 1] != '\n'))) {
             starts->push_back(i + 1);
             lineStart = afterBlank = i + 1;
+            lineCells = blankCells = 0;
             continue;
         }
-        if (c == ' ' || c == '\t')
+        uint32_t cells = shown ? cellsAt(w, i, k) : 1;
+        k += shown && (unsigned char)c == w->shownByte;
+        if (i < lineStart)
+            continue; /* the blank that hangs past the line before */
+        lineCells += cells;
+        blankCells += cells;
+        if (c == ' ' || c == '\t') {
             afterBlank = i + 1;
+            blankCells = 0;
+        }
         bool more = i + 1 < text.size() && text[i + 1] != '\n' && text[i + 1] != '\r';
-        if (c != '\r' && i + 1 - lineStart >= (uint32_t)width && more) {
+        if (c != '\r' && more && lineCells + (shown ? cellsAt(w, i + 1, k) : 1) > (uint32_t)width) {
             /* a long line breaks behind its last blank, else where it is full */
-            uint32_t cut = text[i + 1] == ' ' ? i + 2 /* the blank hangs past the edge */
-                           : afterBlank > lineStart ? afterBlank : i + 1;
+            bool hangs = text[i + 1] == ' ', atBlank = !hangs && afterBlank > lineStart;
+            uint32_t cut = hangs ? i + 2 /* the blank hangs past the edge */ : atBlank ? afterBlank : i + 1;
             starts->push_back(cut);
+            lineCells = atBlank ? blankCells : 0;
+            blankCells = lineCells;
             lineStart = afterBlank = cut;
         }
     }
 }
 
-/* The character a host keeps behind its k-th stand-in byte, if it takes
- * one cell, or two and they are free; returns the cells used, 0 when the
- * byte is to be shown instead.  A line with wide characters may end a
- * cell or two short: its breaks are counted in bytes. */
+/* Draws the character a host keeps behind its k-th stand-in byte if it
+ * fits in `room`; returns the cells used, 0 when the byte is to be shown
+ * instead. */
 static int putShownChar(Window *w, size_t k, int y, int x, int room)
 {
-    if (k >= w->shownChars.size() || y < 0 || y >= term.rows || x < 0)
-        return 0;
     wchar_t wc[2] = {0, 0};
-    mbstate_t state = mbstate_t();
-    const std::string &utf8 = w->shownChars[k];
-    if (mbrtowc(&wc[0], utf8.c_str(), utf8.size(), &state) != utf8.size())
-        return 0;
-    int cells = wcwidth(wc[0]);
-    if (cells < 1 || cells > room || x + cells > term.cols)
+    int cells = shownChar(w, k, &wc[0]);
+    if (cells == 0 || cells > room || y < 0 || y >= term.rows || x < 0 || x + cells > term.cols)
         return 0;
     mvaddwstr(y, x, wc);
     return cells;
@@ -149,7 +180,7 @@ static void drawPane(Window *w, RECT r, bool framed)
     if (height <= 0 || width <= 0)
         return;
     std::vector<uint32_t> starts;
-    paneLines(w->text, width, &starts);
+    paneLines(w, width, &starts);
     uint32_t line = 0;
     while (line + 1 < starts.size() && starts[line + 1] <= w->selStart)
         line++;

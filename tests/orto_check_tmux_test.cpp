@@ -120,13 +120,19 @@ TEST(OrtoCheckInTmux, CtrlCInTheMiddleLeavesTheFileAsItWas)
 {
     CheckRun r;
     writeFile(r.file, "one wrold two teh\n");
-    TmuxSession t(r.command());
+    TmuxSession t(r.command() + "; echo \"[status $?]\"; cat -v");
     ASSERT_TRUE(t.waitFor("Not in Dictionary:wrold")) << t.screen();
     typeChangeTo(t, "world");
     t.keys("M-c");
     ASSERT_TRUE(t.waitFor("Not in Dictionary:teh")) << t.screen();
     t.keys("C-c");
-    ASSERT_TRUE(t.waitFor("[exited ")) << t.screen();
-    EXPECT_EQ(t.screen().find("[exited 0]"), std::string::npos);
+    ASSERT_TRUE(t.waitFor("[status ")) << t.screen();
+    EXPECT_EQ(t.screen().find("[status 0]"), std::string::npos);
     EXPECT_EQ(readFile(r.file), "one wrold two teh\n");
+    /* the terminal is given back without its paste mode */
+    t.run("set-buffer pasted");
+    t.run("paste-buffer -p");
+    t.keys("Enter");
+    ASSERT_TRUE(t.waitFor("pasted")) << t.screen();
+    EXPECT_EQ(t.screen().find("200~"), std::string::npos) << t.screen();
 }

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "engine/debug_log.h"
+#include "platform/terminal_modes.h"
 #include "ui/term.h"
 
 TermState term;
@@ -138,8 +139,10 @@ static const char *pasteCap(const char *name, const char *xterm)
 
 static void bracketedPaste(bool on)
 {
-    fputs(on ? pasteCap("BE", "\033[?2004h") : pasteCap("BD", "\033[?2004l"), stdout);
-    fflush(stdout);
+    if (on)
+        setTerminalMode(pasteCap("BE", "\033[?2004h"), pasteCap("BD", "\033[?2004l"));
+    else
+        clearTerminalMode();
 }
 
 bool termStart(void)

@@ -222,6 +222,19 @@ TEST(TemplateReader, StylesDefinesAndUnits)
     EXPECT_EQ(t->controls[2].style & CBS_TYPEMASK, (uint32_t)CBS_DROPDOWN); /* not joined with the default */
     ORTO_FreeTemplates(m);
 
+    /* sums wrap at 32 bits, as the resource compiler's do, from any define */
+    m = ORTO_LoadTemplates("#define BIG 0x7FFFFFFFFFFFFFFF\n#define TOP 2147483647\nw DIALOG 0,0,8,4\nBEGIN\n"
+                           " EDITTEXT TOP + 1, 0,0,1,1\n EDITTEXT BIG + 1, 0,0,1,1\n EDITTEXT -(BIG + 1) - 1, 0,0,1,1\n"
+                           "END\n",
+                           error, sizeof error);
+    ASSERT_NE(m, nullptr) << error;
+    t = findTemplate(m, "W");
+    ASSERT_NE(t, nullptr);
+    ASSERT_EQ(t->controls.size(), 3u);
+    EXPECT_EQ((std::vector<int32_t>{t->controls[0].id, t->controls[1].id, t->controls[2].id}),
+              (std::vector<int32_t>{INT32_MIN, 0, -1}));
+    ORTO_FreeTemplates(m);
+
     struct {
         int units, columns, rows, columnSize, rowSize;
     } units[] = {{0, 0, 0, 0, 0}, {1, 0, 0, 1, 1}, {2, 0, 0, 1, 1}, {4, 1, 0, 1, 1},

@@ -268,7 +268,8 @@ static StyleValue parsePrimary(Parser *ps)
     } else if (t.kind == TokPunct && (t.text[0] == '-' || t.text[0] == '~')) {
         nextToken(ps);
         StyleValue inner = parsePrimary(ps);
-        v.value = t.text[0] == '-' ? -inner.value : ~inner.value;
+        /* wraps as the resource compiler's 32-bit arithmetic does */
+        v.value = t.text[0] == '-' ? (int64_t)(0 - (uint64_t)inner.value) : ~inner.value;
     } else if (t.kind == TokPunct && t.text[0] == '(') {
         nextToken(ps);
         v = parseExpression(ps);
@@ -289,7 +290,8 @@ static StyleValue parseExpression(Parser *ps)
         char op = ps->token.text[0];
         nextToken(ps);
         StyleValue r = parsePrimary(ps);
-        v.value = op == '|' ? (v.value | r.value) : op == '+' ? v.value + r.value : v.value - r.value;
+        uint64_t a = (uint64_t)v.value, b = (uint64_t)r.value;
+        v.value = (int64_t)(op == '|' ? a | b : op == '+' ? a + b : a - b);
         v.removed |= r.removed;
     }
     return v;
